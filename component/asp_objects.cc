@@ -1,0 +1,40 @@
+#include "component/asp_objects.h"
+
+#include <strings.h>
+
+namespace tidewell {
+namespace {
+
+bool SameName(std::string_view a, std::string_view b) {
+  return a.size() == b.size() && strncasecmp(a.data(), b.data(), a.size()) == 0;
+}
+
+}  // namespace
+
+bool AspCollection::Contains(std::string_view name) const {
+  for (const auto& [key, value] : items_) {
+    if (SameName(key, name)) return true;
+  }
+  return false;
+}
+
+std::string AspCollection::operator()(std::string_view name) const {
+  std::string joined;
+  bool first = true;
+  for (const auto& [key, value] : items_) {
+    if (!SameName(key, name)) continue;
+    if (!first) joined += ", ";
+    joined += value;
+    first = false;
+  }
+  return joined;
+}
+
+std::string AspRequest::operator()(std::string_view name) const {
+  for (const AspCollection* collection : {&QueryString, &Form, &Cookies, &ServerVariables}) {
+    if (collection->Contains(name)) return (*collection)(name);
+  }
+  return "";
+}
+
+}  // namespace tidewell

@@ -1,0 +1,100 @@
+#include "component/link_keys.h"
+
+#include <openssl/crypto.h>
+#include <openssl/evp.h>
+#include <openssl/hmac.h>
+#include <openssl/rand.h>
+
+#include <charconv>
+#include <cmath>
+#include <stdexcept>
+
+#include "runtime/clock.h"
+#include "runtime/dates.h"
+
+namespace tidewell {
+namespace {
+
+constexpr size_t kKeyDigits = 32;
+constexpr size_t kMacDigits = 32;
+
+std::string Hex(const unsigned char* bytes, size_t count) {
+  static constexpr char kDigits[] = "0123456789abcdef";
+  std::string out;
+  out.reserve(count * 2);
+  for (size_t i = 0; i < count; ++i) {
+    out += kDigits[bytes[i] >> 4];
+    out += kDigits[bytes[i] & 0xF];
+  }
+  return out;
+}
+
+bool IsLowerHex(std::string_view s) {
+  for (char c : s) {
+    if (!((c >= '0' && c <= '9') || (c >= 'a' && c <= 'f'))) return false;
+  }
+  return true;
+}
+
+// A host that configures no secret still must not sign with an empty one: such links then hold
+// for this process only.
+const std::string& ProcessSecret() {
+  static const std::string secret = [] {
+    unsigned char bytes[32];
+    if (RAND_bytes(bytes, sizeof bytes) != 1) throw std::runtime_error("no random bytes to be had");
+    return Hex(bytes, sizeof bytes);
+  }();
+  return secret;
+}
+
+std::string Mac(const LinkSigning& signing, std::string_view message) {
+  const std::string& secret = signing.secret.empty() ? ProcessSecret() : signing.secret;
+  unsigned char digest[EVP_MAX_MD_SIZE];
+  unsigned int length = 0;
+  HMAC(EVP_sha256(), secret.data(), static_cast<int>(secret.size()),
+       reinterpret_cast<const unsigned char*>(message.data()), message.size(), digest, &length);
+  return Hex(digest, length).substr(0, kMacDigits);
+}
+
+}  // namespace
+
+long long UnixNow() {
+  // Serial day 25569 is 1 January 1970. The run time's clock is local time; links only
+  // compare against it, so the zone offset cancels out.
+  return std::llround((Now().serial - 25569.0) * 86400.0);
+}
+
+std::string GenerateOwnerKey() {
+  unsigned char bytes[kKeyDigits / 2];
+  if (RAND_bytes(bytes, sizeof bytes) != 1) throw std::runtime_error("no random bytes to be had");
+  return Hex(bytes, sizeof bytes);
+}
+
+bool IsOwnerKey(std::string_view key) { return key.size() == kKeyDigits && IsLowerHex(key); }
+
+std::string SignKey(const LinkSigning& signing, std::string_view key) {
+  if (key.empty()) return "";
+  std::string message = std::string(key) + "." + std::to_string(UnixNow() + signing.lifetime_seconds);
+  return message + "." + Mac(signing, message);
+}
+
+std::optional<std::string> CheckSignedKey(const LinkSigning& signing, std::string_view signed_key) {
+  size_t first_dot = signed_key.find('.');
+  size_t last_dot = signed_key.rfind('.');
+  if (first_dot != kKeyDigits || last_dot == first_dot) return std::nullopt;
+  std::string_view key = signed_key.substr(0, first_dot);
+  std::string_view expiry_text = signed_key.substr(first_dot + 1, last_dot - first_dot - 1);
+  std::string_view mac = signed_key.substr(last_dot + 1);
+  if (!IsOwnerKey(key) || mac.size() != kMacDigits || expiry_text.empty()) return std::nullopt;
+
+  long long expiry = 0;
+  auto [end, error] = std::from_chars(expiry_text.begin(), expiry_text.end(), expiry);
+  if (error != std::errc() || end != expiry_text.end() || expiry_text[0] == '0') return std::nullopt;
+
+  std::string expected = Mac(signing, signed_key.substr(0, last_dot));
+  if (CRYPTO_memcmp(expected.data(), mac.data(), kMacDigits) != 0) return std::nullopt;
+  if (expiry < UnixNow()) return std::nullopt;
+  return std::string(key);
+}
+
+}  // namespace tidewell

@@ -1,0 +1,91 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "component/asp_objects.h"
+#include "component/link_keys.h"
+#include "component/properties.h"
+#include "runtime/variant.h"
+
+namespace tidewell {
+
+// Screen codes: the value of `Screen`, carried in every link.
+namespace screens {
+inline constexpr long kMonthView = 0;
+inline constexpr long kWeekView = 1;
+inline constexpr long kDayView = 2;
+inline constexpr long kTimeView = 3;
+inline constexpr long kItemForm = 4;
+inline constexpr long kDatePicker = 5;
+inline constexpr long kLogin = 6;
+inline constexpr long kUserOptions = 7;
+inline constexpr long kAdministratorOptions = 8;
+inline constexpr long kWelcome = 9;
+inline constexpr long kGroupOptions = 10;
+inline constexpr long kUserHelp = 11;
+inline constexpr long kGroupHelp = 12;
+inline constexpr long kItemHelp = 13;
+inline constexpr long kErrorScreen = 14;
+inline constexpr long kSearch = 15;
+inline constexpr long kSearchHelp = 16;
+inline constexpr long kCount = 17;
+}  // namespace screens
+
+// Browser kinds, from the user agent; several screens size themselves by it.
+namespace browsers {
+inline constexpr long kExplorer = 0;
+inline constexpr long kNetscape = 1;
+inline constexpr long kNavigator = 2;
+inline constexpr long kOpera = 3;
+}  // namespace browsers
+
+// Everything one request knows: the properties the host page set, the ASP objects, and the
+// state the page driver, the actions and the screens share while the page is built. One Page
+// serves one request; every subsystem receives it explicitly.
+struct Page {
+  Properties props;
+  LinkSigning signing;  // how keys in links are signed; set by the host
+
+  const AspRequest* request = nullptr;
+  AspResponse* response = nullptr;
+
+  std::string PageBuffer;
+  std::string ScriptName;
+  std::vector<Variant> LinkFields;
+  long Screen = screens::kLogin;
+  long ReturnView = 0;
+  std::string ScreenArgument;
+  Date CurrentDate;
+  long CurrentHour = 0;
+  long ItemId = 0;
+  bool DeletionRequested = false;  // the link's item field ended in "d"
+  std::string UserKey;
+  std::string SortOrder;
+  std::string AdminKey;
+  bool AdminKeyRejected = false;  // the link carried an administrator key that failed the check
+  std::string UserBanner;
+  long UserGroupId = 0;
+  long BrowserKind = browsers::kExplorer;
+
+  bool ViewSourceMode = false;
+  bool AutoLoginEnabled = false;
+  bool AutoLoginReadOnly = false;
+  std::string AutoLoginUserName;
+  std::string AutoLoginPassword;
+
+  bool NewUserMode = false;
+  bool FirstAdministratorMode = false;
+  bool ErrorFlag = false;
+  std::string ErrorText;
+  std::string ErrorKind;
+  std::string SearchResults;
+
+  // Request("name") / Request.Form("name"), or "" when no request is bound.
+  std::string RequestValue(std::string_view name) const { return request ? (*request)(name) : ""; }
+  std::string FormValue(std::string_view name) const {
+    return request ? request->Form(name) : "";
+  }
+};
+
+}  // namespace tidewell

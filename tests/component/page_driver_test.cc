@@ -1,0 +1,260 @@
+#include "component/page_driver.h"
+
+#include <gtest/gtest.h>
+
+#include "component/link_keys.h"
+#include "component/link_state.h"
+#include "runtime/automation_error.h"
+#include "runtime/clock.h"
+#include "runtime/dates.h"
+#include "runtime/regional_settings.h"
+#include "tests/component/fake_request.h"
+
+namespace tidewell {
+namespace {
+
+using testing::FakeVisit;
+
+class PageDriver : public ::testing::Test {
+ protected:
+  void SetUp() override { SetFixedNow(Combine(DateSerial(2026, 11, 21), TimeSerial(14, 5, 0))); }
+  void TearDown() override { SetFixedNow(std::nullopt); }
+
+  // Shows a page for the link payload and returns the request's state afterwards.
+  const Page& ShowLink(std::string_view payload) {
+    visit_.Link(payload).Start().ViewSource();
+    return visit_.component.page();
+  }
+  FakeVisit visit_;
+};
+
+TEST_F(PageDriver, RequestWithoutLinkShowsTheLoginScreen) {
+  visit_.Start().ViewSource();
+  const Page& page = visit_.component.page();
+  EXPECT_EQ(page.Screen, screens::kLogin);
+  EXPECT_EQ(page.CurrentDate, DateSerial(2026, 11, 21));
+  EXPECT_EQ(page.CurrentHour, 14);
+  EXPECT_EQ(page.ItemId, 0);
+  EXPECT_EQ(page.UserKey, "");
+  ASSERT_EQ(page.LinkFields.size(), 9u);
+  EXPECT_EQ(page.LinkFields[1], Variant(6));
+  EXPECT_EQ(page.LinkFields[2], Variant(DateSerial(2026, 11, 21)));
+  EXPECT_EQ(page.LinkFields[3], Variant(14));
+  EXPECT_EQ(page.LinkFields[8], Variant(""));
+}
+
+TEST_F(PageDriver, StartHourComesFromTheClockWhenUnset) {
+  visit_.Start().ViewSource();
+  EXPECT_EQ(visit_.component.DefaultStartHour(), 14);
+}
+
+TEST_F(PageDriver, ConfiguredStartHourIsKept) {
+  visit_.Start().SetDefaultStartHour(8);
+  visit_.component.ViewSource();
+  EXPECT_EQ(visit_.component.page().CurrentHour, 8);
+}
+
+TEST_F(PageDriver, ScreenWithNumericReturnView) {
+  const Page& page = ShowLink("~4/2~11/3/2026~9~0~~~~");
+  EXPECT_EQ(page.Screen, screens::kLogin);  // no valid key: back to the login screen
+  EXPECT_EQ(page.ReturnView, 2);
+  EXPECT_EQ(page.ScreenArgument, "");
+}
+
+TEST_F(PageDriver, ScreenWithNumericReturnViewKeepsScreenForWelcome) {
+  visit_.request.QueryString.Add("welcome", "y");
+  const Page& page = ShowLink("~4/2~11/3/2026~9~0~~~~");
+  EXPECT_EQ(page.Screen, 4);
+  EXPECT_EQ(page.ReturnView, 2);
+}
+
+TEST_F(PageDriver, ScreenWithTextArgument) {
+  visit_.request.QueryString.Add("welcome", "y");
+  const Page& page = ShowLink("~3/name~11/3/2026~9~0~~~~");
+  EXPECT_EQ(page.Screen, 3);
+  EXPECT_EQ(page.ReturnView, 3);
+  EXPECT_EQ(page.ScreenArgument, "name");
+}
+
+TEST_F(PageDriver, ScreenFieldWithOnePart) {
+  visit_.request.QueryString.Add("welcome", "y");
+  const Page& page = ShowLink("~2~11/3/2026~9~0~~~~");
+  EXPECT_EQ(page.Screen, 2);
+  EXPECT_EQ(page.ReturnView, 2);
+}
+
+TEST_F(PageDriver, ScreenFieldWithThreePartsTakesTheFirst) {
+  visit_.request.QueryString.Add("welcome", "y");
+  const Page& page = ShowLink("~4/1/2~11/3/2026~9~0~~~~");
+  EXPECT_EQ(page.Screen, 4);
+  EXPECT_EQ(page.ReturnView, 4);
+  EXPECT_EQ(page.ScreenArgument, "");
+}
+
+TEST_F(PageDriver, ValidDateIsTaken) {
+  const Page& page = ShowLink("~0~2/28/2026~9~0~~~~");
+  EXPECT_EQ(page.CurrentDate, DateSerial(2026, 2, 28));
+  EXPECT_EQ(page.CurrentHour, 9);
+}
+
+TEST_F(PageDriver, DateFollowsTheRegionalSettings) {
+  ScopedRegionalSettings gb("en-GB");
+  const Page& page = ShowLink("~0~03/02/2026~9~0~~~~");
+  EXPECT_EQ(page.CurrentDate, DateSerial(2026, 2, 3));
+}
+
+TEST_F(PageDriver, InvalidDateKeepsToday) {
+  const Page& page = ShowLink("~0~2/30/2026~9~0~~~~");
+  EXPECT_EQ(page.CurrentDate, DateSerial(2026, 11, 21));
+}
+
+TEST_F(PageDriver, TrailingDAsksForDeletion) {
+  const Page& page = ShowLink("~0~11/3/2026~9~37d~~~~");
+  EXPECT_EQ(page.ItemId, 37);
+  EXPECT_TRUE(page.DeletionRequested);
+}
+
+TEST_F(PageDriver, PlainItemIdIsNoDeletion) {
+  const Page& page = ShowLink("~0~11/3/2026~9~37~~~~");
+  EXPECT_EQ(page.ItemId, 37);
+  EXPECT_FALSE(page.DeletionRequested);
+}
+
+TEST_F(PageDriver, SortTokenIsKept) {
+  const Page& page = ShowLink("~3~11/3/2026~9~0~~hd~~");
+  EXPECT_EQ(page.SortOrder, "hd");
+}
+
+TEST_F(PageDriver, NonNumericHourRaisesTypeMismatch) {
+  visit_.Link("~0~11/3/2026~nine~0~~~~").Start();
+  try {
+    visit_.component.ViewSource();
+    FAIL();
+  } catch (const AutomationError& e) {
+    EXPECT_EQ(e.number(), errors::kTypeMismatch);
+  }
+}
+
+TEST_F(PageDriver, NonNumericScreenRaisesTypeMismatch) {
+  visit_.Link("~x/0~11/3/2026~9~0~~~~").Start();
+  EXPECT_THROW(visit_.component.ViewSource(), AutomationError);
+}
+
+TEST_F(PageDriver, NonNumericItemBeforeDRaisesTypeMismatch) {
+  visit_.Link("~0~11/3/2026~9~xd~~~~").Start();
+  EXPECT_THROW(visit_.component.ViewSource(), AutomationError);
+}
+
+TEST_F(PageDriver, ShortPayloadRaisesSubscriptOutOfRange) {
+  visit_.Link("~6~").Start();
+  try {
+    visit_.component.ViewSource();
+    FAIL();
+  } catch (const AutomationError& e) {
+    EXPECT_EQ(e.number(), errors::kSubscriptOutOfRange);
+  }
+}
+
+TEST_F(PageDriver, MalformedHexRaisesTypeMismatch) {
+  visit_.request.QueryString.Add("WS", "7E3G");
+  visit_.Start();
+  EXPECT_THROW(visit_.component.ViewSource(), AutomationError);
+}
+
+TEST_F(PageDriver, KeyThatFailsTheCheckShowsTheLoginScreen) {
+  const Page& page = ShowLink("~0~11/3/2026~9~0~0123456789abcdef0123456789abcdef~~~");
+  EXPECT_EQ(page.UserKey, "");
+  EXPECT_EQ(page.Screen, screens::kLogin);
+}
+
+TEST_F(PageDriver, SignedKeyPassesTheCheck) {
+  std::string key = GenerateOwnerKey();
+  visit_.component.SetLinkSigning({"test secret", 3600});
+  const Page& page = ShowLink("~2~11/3/2026~9~0~" + SignKey({"test secret", 3600}, key) + "~~~");
+  EXPECT_EQ(page.UserKey, key);
+  EXPECT_EQ(page.Screen, 2);
+}
+
+TEST_F(PageDriver, ForgedAdministratorKeyIsDroppedAndRemembered) {
+  const Page& page = ShowLink("~0~11/3/2026~9~0~~~0123456789abcdef0123456789abcdef~");
+  EXPECT_EQ(page.AdminKey, "");
+  EXPECT_TRUE(page.AdminKeyRejected);
+}
+
+TEST_F(PageDriver, HexOffReadsPlainLinks) {
+  visit_.request.QueryString.Add("WS", "~2~11/3/2026~10~5~~~~");
+  visit_.Start().SetHexQueryString(false);
+  visit_.component.ViewSource();
+  EXPECT_EQ(visit_.component.page().CurrentHour, 10);
+  EXPECT_EQ(visit_.component.page().ItemId, 5);
+}
+
+TEST_F(PageDriver, VisibleFalseHidesTheWholePage) {
+  std::string html = visit_.Start().ViewSource();
+  EXPECT_EQ(html.rfind("<div id=ws_vis style=\"display:none\"><div id=ws_pos >", 0), 0u);
+  EXPECT_EQ(html.substr(html.size() - 12), "</div></div>");
+}
+
+TEST_F(PageDriver, VisibleTrueShowsThePage) {
+  visit_.Start().SetVisible(true);
+  std::string html = visit_.component.ViewSource();
+  EXPECT_EQ(html, "<div id=ws_vis ><div id=ws_pos ></div></div>");
+}
+
+TEST_F(PageDriver, PositionStylesTheInnerDiv) {
+  visit_.Start().SetVisible(true);
+  visit_.component.SetPosition("position:absolute;top:10px");
+  std::string html = visit_.component.ViewSource();
+  EXPECT_EQ(html,
+            "<div id=ws_vis ><div id=ws_pos style=\"position:absolute;top:10px\"></div></div>");
+}
+
+TEST_F(PageDriver, UserBannerStartsAsNonBreakingSpace) {
+  visit_.Start().ViewSource();
+  EXPECT_EQ(visit_.component.page().UserBanner, "&nbsp;");
+}
+
+TEST_F(PageDriver, DatePickerIsWrittenAloneEvenForViewSource) {
+  visit_.Start().SetVisible(true);
+  visit_.component.SetLinkSigning({"test secret", 3600});
+  std::string key = SignKey({"test secret", 3600}, GenerateOwnerKey());
+  visit_.request.QueryString.Add("WS",
+                                 EncodeQueryString("~5/5~11/3/2026~9~0~" + key + "~~~", true));
+  std::string html = visit_.component.ViewSource();
+  EXPECT_EQ(visit_.response.body(), html);
+  EXPECT_EQ(html, "<div id=ws_vis ><div id=ws_pos >");
+}
+
+TEST(ScriptName, KeepsWhatFollowsTheLastSlash) {
+  EXPECT_EQ(ScriptNameOf("/cal/default.asp"), "default.asp?");
+  EXPECT_EQ(ScriptNameOf("/default.asp"), "default.asp?");
+  EXPECT_EQ(ScriptNameOf("calendar.asp"), "calendar.asp?");
+  EXPECT_EQ(ScriptNameOf("/"), "?");
+  EXPECT_EQ(ScriptNameOf("/a/b/c/"), "?");
+  EXPECT_EQ(ScriptNameOf(""), "?");
+}
+
+TEST_F(PageDriver, ScriptNameFromTheUrlServerVariable) {
+  visit_.Start().ViewSource();
+  EXPECT_EQ(visit_.component.page().ScriptName, "default.asp?");
+}
+
+TEST(BrowserKind, MsieAndOperaCountsAsOpera) {
+  EXPECT_EQ(BrowserKindOf("Mozilla/4.0 (compatible; MSIE 6.0; Windows NT 5.1) Opera 7.54"), 3);
+}
+TEST(BrowserKind, EachNameInTurn) {
+  EXPECT_EQ(BrowserKindOf("Mozilla/4.0 (compatible; MSIE 6.0)"), 0);
+  EXPECT_EQ(BrowserKindOf("Mozilla/5.0 Netscape/7.1"), 1);
+  EXPECT_EQ(BrowserKindOf("Mozilla/4.7 [en] (Nav)"), 2);
+  EXPECT_EQ(BrowserKindOf("Opera/9.80"), 3);
+  EXPECT_EQ(BrowserKindOf("Mozilla/5.0 (X11; Linux x86_64) Chrome/120"), 0);
+  EXPECT_EQ(BrowserKindOf(""), 0);
+}
+
+TEST_F(PageDriver, BrowserKindFromTheUserAgent) {
+  visit_.Agent("Mozilla/4.0 (compatible; MSIE 5.5) Opera 7").Start().ViewSource();
+  EXPECT_EQ(visit_.component.page().BrowserKind, 3);
+}
+
+}  // namespace
+}  // namespace tidewell
