@@ -1,0 +1,54 @@
+#include "host/component_host.h"
+
+#include "component/asp_tidewell.h"
+#include "component/property_table.h"
+#include "host/page_template.h"
+#include "runtime/automation_error.h"
+
+namespace tidewell {
+namespace {
+
+// OnStartPage, then the page's settings as its script would have made them.
+void PrepareComponent(ASPTidewell& component, const ScriptingContext& context,
+                      const PageConfig& page, const LinkSigning& signing) {
+  component.OnStartPage(context);
+  component.SetLinkSigning(signing);
+  for (const PropertySetting& setting : page.properties) {
+    LetProperty(component.properties(), setting.name, setting.value);
+  }
+  if (page.auto_login) {
+    component.AutoLogin(page.auto_login->user, page.auto_login->password,
+                        page.auto_login->read_only);
+  }
+}
+
+}  // namespace
+
+HostAnswer RunComponent(const PageConfig& page, const LinkSigning& signing,
+                        const AspRequest& request) {
+  BufferedResponse response;
+  ScriptingContext context{&request, &response};
+  ASPTidewell component;
+  try {
+    PrepareComponent(component, context, page, signing);
+    component.Show();
+    component.OnEndPage();
+  } catch (const AutomationError& e) {
+    return {400, "text/plain; charset=utf-8",
+            "Bad request: run-time error " + std::to_string(e.number()) + ", " + e.what() + ".\n"};
+  }
+  return {200, "text/html; charset=utf-8", FillPageTemplate(page.page_template, response.body())};
+}
+
+std::string ViewComponentSource(const PageConfig& page, const LinkSigning& signing,
+                                const AspRequest& request) {
+  BufferedResponse response;
+  ScriptingContext context{&request, &response};
+  ASPTidewell component;
+  PrepareComponent(component, context, page, signing);
+  std::string html = component.ViewSource();
+  component.OnEndPage();
+  return html;
+}
+
+}  // namespace tidewell

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <string>
+
+#include "component/asp_objects.h"
+#include "component/link_keys.h"
+#include "host/config.h"
+
+namespace tidewell {
+
+// What a host answers for one request.
+struct HostAnswer {
+  int status = 200;
+  std::string content_type = "text/html; charset=utf-8";
+  std::string body;
+};
+
+// Runs the component for one request the way an ASP page did: create it, OnStartPage with the
+// request and a response, set the page's properties in file order, AutoLogin when configured,
+// Show, and wrap what it wrote in the page template. A run-time error that ends the request
+// becomes a 400 with a short plain page naming the error.
+HostAnswer RunComponent(const PageConfig& page, const LinkSigning& signing,
+                        const AspRequest& request);
+
+// The same, returning only the component's own text (ViewSource), for `tidewell render`.
+// Run-time errors pass through as AutomationError.
+std::string ViewComponentSource(const PageConfig& page, const LinkSigning& signing,
+                                const AspRequest& request);
+
+}  // namespace tidewell

@@ -1,0 +1,186 @@
+#include "host/config.h"
+
+#include <strings.h>
+
+#include <fstream>
+#include <sstream>
+
+#include "component/properties.h"
+#include "component/property_table.h"
+#include "host/page_template.h"
+#include "runtime/automation_error.h"
+#include "runtime/conversions.h"
+
+namespace tidewell {
+namespace {
+
+bool SameName(std::string_view a, std::string_view b) {
+  return a.size() == b.size() && strncasecmp(a.data(), b.data(), a.size()) == 0;
+}
+
+std::string TrimBlanks(std::string_view s) {
+  size_t start = s.find_first_not_of(" \t\r");
+  if (start == std::string_view::npos) return "";
+  size_t end = s.find_last_not_of(" \t\r");
+  return std::string(s.substr(start, end - start + 1));
+}
+
+std::string ReadFile(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  if (!in) throw std::runtime_error("cannot read " + path);
+  std::ostringstream text;
+  text << in.rdbuf();
+  return text.str();
+}
+
+// Reads one file line at a time and knows where it is, so every complaint names the line.
+class ConfigReader {
+ public:
+  explicit ConfigReader(std::string file_name) : file_name_(std::move(file_name)) {}
+
+  [[noreturn]] void Fail(const std::string& message) const {
+    throw ConfigError(file_name_ + ":" + std::to_string(line_) + ": " + message);
+  }
+
+  void Read(const std::string& text, SiteConfig& config) {
+    std::istringstream lines(text);
+    std::string raw;
+    PageConfig* page = &config.pages.front();
+    while (std::getline(lines, raw)) {
+      ++line_;
+      std::string line = TrimBlanks(raw);
+      if (line.empty() || line[0] == '#') continue;
+      if (line[0] == '[') {
+        page = &StartSection(line, config);
+        continue;
+      }
+      size_t eq = line.find('=');
+      if (eq == std::string::npos) Fail("expected Name = Value, not \"" + line + "\"");
+      std::string name = TrimBlanks(std::string_view(line).substr(0, eq));
+      std::string value = TrimBlanks(std::string_view(line).substr(eq + 1));
+      Apply(name, value, config, *page, page == &config.pages.front());
+    }
+  }
+
+ private:
+  PageConfig& StartSection(const std::string& line, SiteConfig& config) {
+    if (line.back() != ']' || line.compare(0, 6, "[page ") != 0)
+      Fail("a section reads [page /path], not \"" + line + "\"");
+    std::string path = TrimBlanks(std::string_view(line).substr(6, line.size() - 7));
+    if (path.empty() || path[0] != '/') Fail("a page path starts with \"/\"");
+    if (config.FindPage(path) != nullptr) Fail("page " + path + " is configured twice");
+    PageConfig section = config.pages.front();  // the top lines, then the section's own
+    section.path = path;
+    config.pages.push_back(section);
+    return config.pages.back();
+  }
+
+  void Apply(const std::string& name, const std::string& value, SiteConfig& config,
+             PageConfig& page, bool top) {
+    if (IsPropertyName(name)) return ApplyProperty(name, value, page);
+    if (SameName(name, "PageTemplate")) return ApplyTemplate(value, page);
+    if (SameName(name, "AutoLogin")) return ApplyAutoLogin(value, page);
+    if (!top) Fail(name + " applies to the whole server; set it before any [page] section");
+    if (SameName(name, "Listen")) {
+      if (value.rfind(':') == std::string::npos) Fail("Listen takes HOST:PORT");
+      config.listen = value;
+    } else if (SameName(name, "Locale")) {
+      if (value != "en-US" && value != "en-GB") Fail("Locale is en-US or en-GB, not " + value);
+      config.locale = value;
+    } else if (SameName(name, "LinkSecret")) {
+      if (value.size() < 16) Fail("LinkSecret needs at least 16 characters");
+      config.link_secret = value;
+    } else if (SameName(name, "LinkLifetime")) {
+      long seconds = ParseWholeNumber(value);
+      if (seconds <= 0) Fail("LinkLifetime is a number of seconds above 0");
+      config.link_lifetime_seconds = seconds;
+    } else if (SameName(name, "AssetFolder")) {
+      config.asset_folder = value;
+    } else {
+      Fail("unknown name " + name);
+    }
+  }
+
+  // Tried on a scratch set of properties now, so that a bad value stops the server at start.
+  void ApplyProperty(const std::string& name, const std::string& value, PageConfig& page) {
+    Properties scratch;
+    try {
+      LetProperty(scratch, name, value);
+    } catch (const AutomationError& e) {
+      Fail("bad value for " + name + ": " + value + " (" + e.what() + ")");
+    }
+    page.properties.push_back({name, value, line_});
+  }
+
+  void ApplyTemplate(const std::string& value, PageConfig& page) {
+    std::string text;
+    try {
+      text = ReadFile(value);
+    } catch (const std::exception& e) {
+      Fail(e.what());
+    }
+    if (!IsPageTemplate(text)) Fail(value + " must hold the marker {{tidewell}} once");
+    page.page_template = text;
+  }
+
+  void ApplyAutoLogin(const std::string& value, PageConfig& page) {
+    std::vector<std::string> parts;
+    std::istringstream in(value);
+    for (std::string part; std::getline(in, part, ',');) parts.push_back(TrimBlanks(part));
+    if (parts.size() != 3) Fail("AutoLogin takes user, password, readonly");
+    bool read_only = false;
+    try {
+      read_only = CBool(parts[2]);
+    } catch (const AutomationError&) {
+      Fail("the readonly part of AutoLogin is True or False, not " + parts[2]);
+    }
+    page.auto_login = AutoLoginSetting{parts[0], parts[1], read_only};
+  }
+
+  long ParseWholeNumber(const std::string& value) {
+    try {
+      size_t used = 0;
+      long n = std::stol(value, &used);
+      if (used == value.size()) return n;
+    } catch (const std::exception&) {
+    }
+    Fail("expected a whole number, not " + value);
+  }
+
+  std::string file_name_;
+  int line_ = 0;
+};
+
+}  // namespace
+
+const PageConfig* SiteConfig::FindPage(std::string_view path) const {
+  for (const PageConfig& page : pages) {
+    if (page.path == path) return &page;
+  }
+  return nullptr;
+}
+
+SiteConfig DefaultConfig() {
+  SiteConfig config;
+  config.pages.emplace_back();
+  config.pages.front().page_template = DefaultPageTemplate();
+  return config;
+}
+
+SiteConfig ParseConfig(const std::string& text, const std::string& file_name) {
+  SiteConfig config = DefaultConfig();
+  ConfigReader(file_name).Read(text, config);
+  return config;
+}
+
+SiteConfig LoadConfig(const std::string& path) {
+  std::string text;
+  try {
+    text = ReadFile(path);
+  } catch (const std::exception& e) {
+    throw ConfigError(e.what());
+  }
+  return ParseConfig(text, path);
+}
+
+}  // namespace tidewell

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace tidewell {
+
+// A configuration file: "Name = Value" lines. Names are the component's properties (set in
+// file order after OnStartPage, as a page's script did) or host keys. Lines before any
+// section configure the page at "/"; a "[page /path]" section configures another path,
+// starting from the top lines and adding its own. A line whose first non-blank character is
+// "#" is a comment; a "#" inside a value belongs to the value (#rrggbb colours).
+//
+// Host keys: Listen (host:port), Locale (en-US, en-GB), LinkSecret, LinkLifetime (seconds)
+// and AssetFolder apply to the whole server; PageTemplate (a file) and
+// AutoLogin (user, password, readonly) to the page they stand in.
+
+struct PropertySetting {
+  std::string name;
+  std::string value;
+  int line = 0;
+};
+
+struct AutoLoginSetting {
+  std::string user;
+  std::string password;
+  bool read_only = false;
+};
+
+struct PageConfig {
+  std::string path = "/";
+  std::vector<PropertySetting> properties;
+  std::string page_template;  // the template's text
+  std::optional<AutoLoginSetting> auto_login;
+};
+
+struct SiteConfig {
+  std::string listen = "127.0.0.1:8080";
+  std::string locale = "en-US";
+  std::optional<std::string> link_secret;
+  long link_lifetime_seconds = 12 * 60 * 60;
+  std::string asset_folder;
+  std::vector<PageConfig> pages;  // the page at "/" first
+
+  const PageConfig* FindPage(std::string_view path) const;
+};
+
+// A line that cannot be used: the message names the file and the line.
+class ConfigError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// Reads and checks a configuration: every property value is tried on a component, templates
+// are read, unknown names and bad values throw ConfigError.
+SiteConfig LoadConfig(const std::string& path);
+SiteConfig ParseConfig(const std::string& text, const std::string& file_name);
+
+// The configuration without a file: one page at "/" with the defaults.
+SiteConfig DefaultConfig();
+
+}  // namespace tidewell

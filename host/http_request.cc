@@ -1,0 +1,52 @@
+#include "host/http_request.h"
+
+#include <httplib.h>
+
+#include "host/form_encoding.h"
+
+namespace tidewell {
+namespace {
+
+std::string_view QueryOf(std::string_view target) {
+  size_t question = target.find('?');
+  return question == std::string_view::npos ? std::string_view() : target.substr(question + 1);
+}
+
+bool IsFormPost(const httplib::Request& http) {
+  return http.method == "POST" &&
+         http.get_header_value("Content-Type").rfind("application/x-www-form-urlencoded", 0) == 0;
+}
+
+}  // namespace
+
+AspCollection ParseCookies(std::string_view header) {
+  AspCollection cookies;
+  while (!header.empty()) {
+    size_t semicolon = header.find(';');
+    std::string_view pair = header.substr(0, semicolon);
+    header = semicolon == std::string_view::npos ? std::string_view() : header.substr(semicolon + 1);
+    while (!pair.empty() && pair.front() == ' ') pair.remove_prefix(1);
+    size_t eq = pair.find('=');
+    if (pair.empty() || eq == std::string_view::npos) continue;
+    cookies.Add(std::string(pair.substr(0, eq)), std::string(pair.substr(eq + 1)));
+  }
+  return cookies;
+}
+
+AspRequest ToAspRequest(const httplib::Request& http) {
+  AspRequest request;
+  std::string_view query = QueryOf(http.target);
+  request.QueryString = ParseUrlEncoded(query);
+  if (IsFormPost(http)) request.Form = ParseUrlEncoded(http.body);
+  request.Cookies = ParseCookies(http.get_header_value("Cookie"));
+  AspCollection& vars = request.ServerVariables;
+  vars.Add("URL", http.path);
+  vars.Add("HTTP_USER_AGENT", http.get_header_value("User-Agent"));
+  vars.Add("REQUEST_METHOD", http.method);
+  vars.Add("QUERY_STRING", std::string(query));
+  vars.Add("REMOTE_ADDR", http.remote_addr);
+  vars.Add("HTTP_HOST", http.get_header_value("Host"));
+  return request;
+}
+
+}  // namespace tidewell

@@ -1,0 +1,48 @@
+#include "host/component_host.h"
+
+#include <gtest/gtest.h>
+
+#include "component/link_codec.h"
+#include "host/config.h"
+
+namespace tidewell {
+namespace {
+
+AspRequest RequestFor(std::string url, std::string ws = "") {
+  AspRequest request;
+  request.ServerVariables.Add("URL", std::move(url));
+  if (!ws.empty()) request.QueryString.Add("WS", std::move(ws));
+  return request;
+}
+
+TEST(RunComponent, WrapsTheOutputInThePageTemplate) {
+  SiteConfig config = ParseConfig("Visible = True\n", "f");
+  config.pages[0].page_template = "<body>{{tidewell}}</body>";
+  HostAnswer answer = RunComponent(config.pages[0], {}, RequestFor("/"));
+  EXPECT_EQ(answer.status, 200);
+  EXPECT_EQ(answer.body, "<body><div id=ws_vis ><div id=ws_pos ></div></div></body>");
+}
+
+TEST(RunComponent, PropertiesApplyInFileOrderAfterOnStartPage) {
+  SiteConfig config = ParseConfig("Visible = True\nPosition = a\nPosition = b\n", "f");
+  config.pages[0].page_template = "{{tidewell}}";
+  HostAnswer answer = RunComponent(config.pages[0], {}, RequestFor("/"));
+  EXPECT_EQ(answer.body, "<div id=ws_vis ><div id=ws_pos style=\"b\"></div></div>");
+}
+
+TEST(RunComponent, UndecodableLinkIsABadRequest) {
+  SiteConfig config = DefaultConfig();
+  HostAnswer answer = RunComponent(config.pages[0], {}, RequestFor("/", "7EZZ"));
+  EXPECT_EQ(answer.status, 400);
+  EXPECT_EQ(answer.content_type, "text/plain; charset=utf-8");
+  EXPECT_EQ(answer.body, "Bad request: run-time error 13, Type mismatch.\n");
+}
+
+TEST(ViewComponentSource, ReturnsTheComponentsOwnText) {
+  SiteConfig config = ParseConfig("Visible = True\n", "f");
+  EXPECT_EQ(ViewComponentSource(config.pages[0], {}, RequestFor("/")),
+            "<div id=ws_vis ><div id=ws_pos ></div></div>");
+}
+
+}  // namespace
+}  // namespace tidewell

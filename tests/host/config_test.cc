@@ -1,0 +1,144 @@
+#include "host/config.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <fstream>
+
+namespace tidewell {
+namespace {
+
+std::string ErrorOf(const std::string& text) {
+  try {
+    ParseConfig(text, "site.conf");
+  } catch (const ConfigError& e) {
+    return e.what();
+  }
+  return "";
+}
+
+TEST(Config, EmptyFileGivesOnePageWithTheDefaults) {
+  SiteConfig config = ParseConfig("", "site.conf");
+  ASSERT_EQ(config.pages.size(), 1u);
+  EXPECT_EQ(config.pages[0].path, "/");
+  EXPECT_EQ(config.listen, "127.0.0.1:8080");
+  EXPECT_EQ(config.locale, "en-US");
+  EXPECT_NE(config.pages[0].page_template.find("{{tidewell}}"), std::string::npos);
+}
+
+TEST(Config, PropertiesKeepFileOrderAndLines) {
+  SiteConfig config = ParseConfig("Visible = True\n\n  TidewellColor=#123456\n", "site.conf");
+  const auto& props = config.pages[0].properties;
+  ASSERT_EQ(props.size(), 2u);
+  EXPECT_EQ(props[0].name, "Visible");
+  EXPECT_EQ(props[0].value, "True");
+  EXPECT_EQ(props[1].name, "TidewellColor");
+  EXPECT_EQ(props[1].value, "#123456");
+  EXPECT_EQ(props[1].line, 3);
+}
+
+TEST(Config, HashStartsACommentOnlyAtTheLineStart) {
+  SiteConfig config = ParseConfig("# a comment\n   # another\nTidewellColor = #abcdef\n", "f");
+  ASSERT_EQ(config.pages[0].properties.size(), 1u);
+  EXPECT_EQ(config.pages[0].properties[0].value, "#abcdef");
+}
+
+TEST(Config, BooleansTakeTrueFalseAndNumbers) {
+  EXPECT_NO_THROW(ParseConfig("Visible = -1\nHexQueryString = 0\nShow12HourDay = false\n", "f"));
+}
+
+TEST(Config, UnknownNameStopsWithItsLine) {
+  EXPECT_EQ(ErrorOf("Visible = True\nColour = red\n"), "site.conf:2: unknown name Colour");
+}
+
+TEST(Config, BadValueStopsWithItsLine) {
+  EXPECT_EQ(ErrorOf("\nVisible = maybe\n"),
+            "site.conf:2: bad value for Visible: maybe (Type mismatch)");
+  EXPECT_NE(ErrorOf("DefaultStartHour = noon\n").find("site.conf:1:"), std::string::npos);
+}
+
+TEST(Config, LineWithoutEqualsStops) {
+  EXPECT_EQ(ErrorOf("Visible True\n"), "site.conf:1: expected Name = Value, not \"Visible True\"");
+}
+
+TEST(Config, HostKeys) {
+  SiteConfig config = ParseConfig(
+      "Listen = 0.0.0.0:9000\nLocale = en-GB\nLinkSecret = 0123456789abcdef0123\n"
+      "LinkLifetime = 600\nAssetFolder = /srv/tidewell\n",
+      "f");
+  EXPECT_EQ(config.listen, "0.0.0.0:9000");
+  EXPECT_EQ(config.locale, "en-GB");
+  EXPECT_EQ(config.link_secret, "0123456789abcdef0123");
+  EXPECT_EQ(config.link_lifetime_seconds, 600);
+  EXPECT_EQ(config.asset_folder, "/srv/tidewell");
+}
+
+TEST(Config, BadHostValuesStop) {
+  EXPECT_NE(ErrorOf("Locale = fr-FR\n"), "");
+  EXPECT_NE(ErrorOf("Listen = 8080\n"), "");
+  EXPECT_NE(ErrorOf("LinkLifetime = soon\n"), "");
+  EXPECT_NE(ErrorOf("LinkLifetime = 0\n"), "");
+  EXPECT_NE(ErrorOf("LinkSecret = short\n"), "");
+}
+
+TEST(Config, AutoLoginTakesThreeParts) {
+  SiteConfig config = ParseConfig("AutoLogin = alice, s3cret, True\n", "f");
+  ASSERT_TRUE(config.pages[0].auto_login.has_value());
+  EXPECT_EQ(config.pages[0].auto_login->user, "alice");
+  EXPECT_EQ(config.pages[0].auto_login->password, "s3cret");
+  EXPECT_TRUE(config.pages[0].auto_login->read_only);
+  EXPECT_NE(ErrorOf("AutoLogin = alice\n"), "");
+  EXPECT_NE(ErrorOf("AutoLogin = alice, pw, perhaps\n"), "");
+}
+
+TEST(Config, SectionsStartFromTheTopLinesAndAddTheirOwn) {
+  SiteConfig config = ParseConfig(
+      "Visible = True\n[page /team]\nTidewellColor = #000000\n[page /other/cal]\n", "f");
+  ASSERT_EQ(config.pages.size(), 3u);
+  const PageConfig* team = config.FindPage("/team");
+  ASSERT_NE(team, nullptr);
+  ASSERT_EQ(team->properties.size(), 2u);
+  EXPECT_EQ(team->properties[1].value, "#000000");
+  EXPECT_EQ(config.FindPage("/")->properties.size(), 1u);
+  EXPECT_EQ(config.FindPage("/other/cal")->properties.size(), 1u);
+  EXPECT_EQ(config.FindPage("/nowhere"), nullptr);
+}
+
+TEST(Config, ServerKeysInsideASectionStop) {
+  EXPECT_NE(ErrorOf("[page /a]\nListen = 127.0.0.1:1\n").find("whole server"), std::string::npos);
+}
+
+TEST(Config, BadSectionsStop) {
+  EXPECT_NE(ErrorOf("[pages /a]\n"), "");
+  EXPECT_NE(ErrorOf("[page a]\n"), "");
+  EXPECT_NE(ErrorOf("[page /a]\n[page /a]\n"), "");
+}
+
+TEST(Config, PageTemplateMustHoldTheMarker) {
+  std::string good = ::testing::TempDir() + "/good_template.html";
+  std::string bad = ::testing::TempDir() + "/bad_template.html";
+  std::ofstream(good) << "<html><body class=site>{{tidewell}}</body></html>";
+  std::ofstream(bad) << "<html><body></body></html>";
+  SiteConfig config = ParseConfig("PageTemplate = " + good + "\n", "f");
+  EXPECT_EQ(config.pages[0].page_template, "<html><body class=site>{{tidewell}}</body></html>");
+  EXPECT_NE(ErrorOf("PageTemplate = " + bad + "\n").find("marker"), std::string::npos);
+  EXPECT_NE(ErrorOf("PageTemplate = /no/such/file.html\n"), "");
+  std::remove(good.c_str());
+  std::remove(bad.c_str());
+}
+
+TEST(Config, TheShippedConfigurationLoads) {
+  SiteConfig config = LoadConfig(TIDEWELL_SOURCE_DIR "/config/tidewell.conf");
+  bool visible = false;
+  for (const PropertySetting& p : config.pages[0].properties) {
+    if (p.name == "Visible") visible = p.value == "True";
+  }
+  EXPECT_TRUE(visible);
+}
+
+TEST(Config, MissingFileIsAConfigError) {
+  EXPECT_THROW(LoadConfig("/no/such/tidewell.conf"), ConfigError);
+}
+
+}  // namespace
+}  // namespace tidewell

@@ -1,0 +1,122 @@
+// Starts the real `tidewell serve` and talks HTTP to it.
+
+#include <httplib.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "component/link_codec.h"
+#include "tests/host/server_process.h"
+
+namespace tidewell {
+namespace {
+
+class Server : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    folder_ = std::filesystem::path(::testing::TempDir()) / ("tidewell_server_" + std::to_string(getpid()));
+    std::filesystem::create_directories(folder_);
+    config_ = (folder_ / "tidewell.conf").string();
+    std::ofstream(config_) << "Visible = True\nImagePath = images/\n"
+                              "LinkSecret = server-test-secret-0123456789\n"
+                              "[page /cal/default.asp]\nTidewellColor = #000000\n";
+    server_ = std::make_unique<testing::ServerProcess>(
+        TIDEWELL_BINARY, std::vector<std::string>{"serve", "--config", config_, "--listen", "127.0.0.1:0"},
+        std::vector<std::string>{"TIDEWELL_NOW=2026-11-21 09:30:00"});
+    port_ = server_->WaitForPort();
+    ASSERT_NE(port_, 0) << server_->Log();
+    client_ = std::make_unique<httplib::Client>("127.0.0.1", port_);
+  }
+  void TearDown() override {
+    client_.reset();
+    server_.reset();
+    std::filesystem::remove_all(folder_);
+  }
+
+  std::filesystem::path folder_;
+  std::string config_;
+  std::unique_ptr<testing::ServerProcess> server_;
+  int port_ = 0;
+  std::unique_ptr<httplib::Client> client_;
+};
+
+TEST_F(Server, AnswersThePageInsideTheTemplate) {
+  auto res = client_->Get("/");
+  ASSERT_TRUE(res);
+  EXPECT_EQ(res->status, 200);
+  EXPECT_EQ(res->get_header_value("Content-Type"), "text/html; charset=utf-8");
+  EXPECT_NE(res->body.find("<link rel=\"stylesheet\" type=\"text/css\" href=\"tidewell.css\">"),
+            std::string::npos);
+  EXPECT_NE(res->body.find("<div id=ws_vis ><div id=ws_pos ></div></div>"), std::string::npos);
+}
+
+TEST_F(Server, ServesConfiguredPagePaths) {
+  auto res = client_->Get("/cal/default.asp");
+  ASSERT_TRUE(res);
+  EXPECT_EQ(res->status, 200);
+  EXPECT_EQ(client_->Get("/elsewhere.asp")->status, 404);
+}
+
+TEST_F(Server, ServesImagesAndTheStyleSheet) {
+  auto image = client_->Get("/images/nav_line.gif");
+  ASSERT_TRUE(image);
+  EXPECT_EQ(image->status, 200);
+  EXPECT_EQ(image->get_header_value("Content-Type"), "image/gif");
+  EXPECT_EQ(image->body.substr(0, 6), "GIF89a");
+  auto under_page = client_->Get("/cal/images/nav_line.gif");
+  ASSERT_TRUE(under_page);
+  EXPECT_EQ(under_page->body, image->body);
+  auto sheet = client_->Get("/tidewell.css");
+  ASSERT_TRUE(sheet);
+  EXPECT_EQ(sheet->status, 200);
+  EXPECT_EQ(sheet->get_header_value("Content-Type"), "text/css; charset=utf-8");
+  EXPECT_NE(sheet->body.find(".text"), std::string::npos);
+}
+
+TEST_F(Server, MalformedLinkIsABadRequestAndTheServerCarriesOn) {
+  auto bad = client_->Get("/?WS=7E36ZZ");
+  ASSERT_TRUE(bad);
+  EXPECT_EQ(bad->status, 400);
+  EXPECT_EQ(bad->body, "Bad request: run-time error 13, Type mismatch.\n");
+  auto short_link = client_->Get(("/?WS=" + EncodeQueryString("~6~", true)).c_str());
+  ASSERT_TRUE(short_link);
+  EXPECT_EQ(short_link->status, 400);
+  auto good = client_->Get("/");
+  ASSERT_TRUE(good);
+  EXPECT_EQ(good->status, 200);
+}
+
+TEST_F(Server, FormPostsReachTheComponent) {
+  auto res = client_->Post("/", "login=Login&username=alice&password=pw",
+                           "application/x-www-form-urlencoded");
+  ASSERT_TRUE(res);
+  EXPECT_EQ(res->status, 200);
+}
+
+TEST_F(Server, LogsOneLinePerRequest) {
+  client_->Get("/");
+  client_->Get("/images/nav_line.gif");
+  server_->Stop(SIGTERM);
+  std::string log = server_->Log();
+  EXPECT_NE(log.find("\"GET / HTTP/1.1\" 200"), std::string::npos) << log;
+  EXPECT_NE(log.find("\"GET /images/nav_line.gif HTTP/1.1\" 200"), std::string::npos) << log;
+  EXPECT_NE(log.find("2026-11-21 09:30:00 127.0.0.1"), std::string::npos) << log;
+}
+
+TEST_F(Server, StopsCleanlyOnSigterm) { EXPECT_EQ(server_->Stop(SIGTERM), 0); }
+
+TEST_F(Server, StopsCleanlyOnSigint) { EXPECT_EQ(server_->Stop(SIGINT), 0); }
+
+TEST(ServerStart, BadConfigurationStopsWithTheLine) {
+  std::string config = ::testing::TempDir() + "/bad_tidewell.conf";
+  std::ofstream(config) << "Visible = True\nVisible = sometimes\n";
+  testing::ServerProcess server(TIDEWELL_BINARY, {"serve", "--config", config, "--listen", "127.0.0.1:0"});
+  EXPECT_EQ(server.WaitForPort(std::chrono::seconds(10)), 0);
+  EXPECT_EQ(server.Stop(0), 1);
+  EXPECT_NE(server.Log().find("bad_tidewell.conf:2: bad value for Visible"), std::string::npos)
+      << server.Log();
+}
+
+}  // namespace
+}  // namespace tidewell
