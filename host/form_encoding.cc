@@ -18,7 +18,8 @@ std::string Unescape(std::string_view text) {
   for (size_t i = 0; i < text.size(); ++i) {
     if (text[i] == '+') {
       out += ' ';
-    } else if (text[i] == '%' && i + 2 < text.size() && HexValue(text[i + 1]) >= 0 && HexValue(text[i + 2]) >= 0) {
+    } else if (text[i] == '%' && i + 2 < text.size() && HexValue(text[i + 1]) >= 0 &&
+               HexValue(text[i + 2]) >= 0) {
       out += static_cast<char>(HexValue(text[i + 1]) * 16 + HexValue(text[i + 2]));
       i += 2;
     } else {
@@ -39,7 +40,8 @@ AspCollection ParseUrlEncoded(std::string_view text) {
     if (pair.empty()) continue;
     size_t eq = pair.find('=');
     std::string_view name = pair.substr(0, eq);
-    std::string_view value = eq == std::string_view::npos ? std::string_view() : pair.substr(eq + 1);
+    std::string_view value =
+        eq == std::string_view::npos ? std::string_view() : pair.substr(eq + 1);
     collection.Add(Unescape(name), Unescape(value));
   }
   return collection;

@@ -24,7 +24,8 @@ AspCollection ParseCookies(std::string_view header) {
   while (!header.empty()) {
     size_t semicolon = header.find(';');
     std::string_view pair = header.substr(0, semicolon);
-    header = semicolon == std::string_view::npos ? std::string_view() : header.substr(semicolon + 1);
+    header =
+        semicolon == std::string_view::npos ? std::string_view() : header.substr(semicolon + 1);
     while (!pair.empty() && pair.front() == ' ') pair.remove_prefix(1);
     size_t eq = pair.find('=');
     if (pair.empty() || eq == std::string_view::npos) continue;

@@ -123,4 +123,6 @@ int Main(int argc, char** argv) {
 }  // namespace
 }  // namespace tidewell
 
-int main(int argc, char** argv) { return tidewell::Main(argc, argv); }
+int main(int argc, char** argv) {
+  return tidewell::Main(argc, argv);
+}

@@ -4,13 +4,15 @@
 #include <pthread.h>
 #include <signal.h>
 
+#include <atomic>
+#include <chrono>
 #include <cstdio>
 #include <thread>
 
 #include "host/component_host.h"
 #include "host/http_request.h"
-#include "host/static_assets.h"
 #include "host/site_setup.h"
+#include "host/static_assets.h"
 #include "runtime/clock.h"
 #include "runtime/dates.h"
 
@@ -85,32 +87,47 @@ class Site {
   StaticAssets assets_;
 };
 
-// SIGINT and SIGTERM are blocked in every thread and taken by one that stops the server, so
-// that no signal handler has to do anything unsafe. SIGUSR1 only wakes that thread when the
-// server ended on its own.
-constexpr int kWakeSignal = SIGUSR1;
+// SIGINT and SIGTERM are blocked in every thread and taken by one watcher thread, so that no
+// signal handler has to do anything unsafe. A signal may come before the server has started
+// listening, when stop() has nothing to stop yet, so the watcher repeats it until the server
+// is done. SIGUSR1 only wakes the watcher when the server ended on its own.
+class StopSignalWatcher {
+ public:
+  explicit StopSignalWatcher(httplib::Server& server) {
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGINT);
+    sigaddset(&signals, SIGTERM);
+    sigaddset(&signals, kWakeSignal);
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+    thread_ = std::thread([this, &server, signals] { Watch(server, signals); });
+  }
 
-std::thread WatchForStopSignals(httplib::Server& server) {
-  sigset_t signals;
-  sigemptyset(&signals);
-  sigaddset(&signals, SIGINT);
-  sigaddset(&signals, SIGTERM);
-  sigaddset(&signals, kWakeSignal);
-  pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-  return std::thread([&server, signals] {
+  // Called once the server has stopped listening, whatever the reason.
+  ~StopSignalWatcher() {
+    server_done_ = true;
+    pthread_kill(thread_.native_handle(), kWakeSignal);
+    thread_.join();
+  }
+
+ private:
+  static constexpr int kWakeSignal = SIGUSR1;
+
+  void Watch(httplib::Server& server, sigset_t signals) {
     int received = 0;
     sigwait(&signals, &received);
     if (received == kWakeSignal) return;
-    std::fprintf(stderr, "tidewell: %s received, stopping\n", received == SIGINT ? "SIGINT" : "SIGTERM");
-    server.stop();
-  });
-}
+    std::fprintf(stderr, "tidewell: %s received, stopping\n",
+                 received == SIGINT ? "SIGINT" : "SIGTERM");
+    while (!server_done_) {
+      server.stop();
+      std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+  }
 
-// Ends the watcher when the server stopped without a signal; harmless when it already ended.
-void EndWatcher(std::thread& watcher) {
-  pthread_kill(watcher.native_handle(), kWakeSignal);
-  watcher.join();
-}
+  std::atomic<bool> server_done_{false};
+  std::thread thread_;
+};
 
 }  // namespace
 
@@ -122,32 +139,37 @@ int Serve(const SiteConfig& config, const std::string& listen) {
   httplib::Server server;
   server.set_payload_max_length(1 << 20);
   server.set_logger(LogRequest);
-  auto answer = [&site](const httplib::Request& req, httplib::Response& res) { site.Answer(req, res); };
+  auto answer = [&site](const httplib::Request& req, httplib::Response& res) {
+    site.Answer(req, res);
+  };
   server.Get(".*", answer);
   server.Post(".*", answer);
-  server.set_exception_handler([](const httplib::Request&, httplib::Response& res, std::exception_ptr error) {
-    try {
-      std::rethrow_exception(error);
-    } catch (const std::exception& e) {
-      std::fprintf(stderr, "tidewell: request failed: %s\n", e.what());
-    } catch (...) {
-      std::fprintf(stderr, "tidewell: request failed\n");
-    }
-    res.status = 500;
-    res.set_content("The server could not answer this request.\n", "text/plain; charset=utf-8");
-  });
+  server.set_exception_handler(
+      [](const httplib::Request&, httplib::Response& res, std::exception_ptr error) {
+        try {
+          std::rethrow_exception(error);
+        } catch (const std::exception& e) {
+          std::fprintf(stderr, "tidewell: request failed: %s\n", e.what());
+        } catch (...) {
+          std::fprintf(stderr, "tidewell: request failed\n");
+        }
+        res.status = 500;
+        res.set_content("The server could not answer this request.\n", "text/plain; charset=utf-8");
+      });
 
-  std::thread watcher = WatchForStopSignals(server);
-  int port = endpoint.port == 0 ? server.bind_to_any_port(endpoint.host)
-                                : (server.bind_to_port(endpoint.host, endpoint.port) ? endpoint.port : -1);
-  if (port < 0) {
-    std::fprintf(stderr, "tidewell: cannot listen on %s\n", listen.c_str());
-    EndWatcher(watcher);
-    return 1;
+  bool clean = false;
+  {
+    StopSignalWatcher watcher(server);
+    int port = endpoint.port == 0
+                   ? server.bind_to_any_port(endpoint.host)
+                   : (server.bind_to_port(endpoint.host, endpoint.port) ? endpoint.port : -1);
+    if (port < 0) {
+      std::fprintf(stderr, "tidewell: cannot listen on %s\n", listen.c_str());
+      return 1;
+    }
+    std::fprintf(stderr, "tidewell: serving http://%s:%d/\n", endpoint.host.c_str(), port);
+    clean = server.listen_after_bind();
   }
-  std::fprintf(stderr, "tidewell: serving http://%s:%d/\n", endpoint.host.c_str(), port);
-  bool clean = server.listen_after_bind();
-  EndWatcher(watcher);
   std::fprintf(stderr, "tidewell: stopped\n");
   return clean ? 0 : 1;
 }

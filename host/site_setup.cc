@@ -7,7 +7,9 @@
 
 namespace tidewell {
 
-std::string DefaultAssetFolder() { return TIDEWELL_ASSET_DIR; }
+std::string DefaultAssetFolder() {
+  return TIDEWELL_ASSET_DIR;
+}
 
 void PrepareRegionalSettings(const SiteConfig& config) {
   if (!SetRegionalSettings(config.locale)) {

@@ -2,9 +2,15 @@
 
 namespace tidewell {
 
-void RaiseTypeMismatch() { throw AutomationError(errors::kTypeMismatch, "Type mismatch"); }
-void RaiseOverflow() { throw AutomationError(errors::kOverflow, "Overflow"); }
-void RaiseInvalidUseOfNull() { throw AutomationError(errors::kInvalidUseOfNull, "Invalid use of Null"); }
+void RaiseTypeMismatch() {
+  throw AutomationError(errors::kTypeMismatch, "Type mismatch");
+}
+void RaiseOverflow() {
+  throw AutomationError(errors::kOverflow, "Overflow");
+}
+void RaiseInvalidUseOfNull() {
+  throw AutomationError(errors::kInvalidUseOfNull, "Invalid use of Null");
+}
 void RaiseSubscriptOutOfRange() {
   throw AutomationError(errors::kSubscriptOutOfRange, "Subscript out of range");
 }

@@ -9,7 +9,8 @@ namespace tidewell {
 // error number (13 for a type mismatch) and its text. The host answers it with HTTP 400.
 class AutomationError : public std::runtime_error {
  public:
-  AutomationError(long number, const std::string& text) : std::runtime_error(text), number_(number) {}
+  AutomationError(long number, const std::string& text)
+      : std::runtime_error(text), number_(number) {}
 
   long number() const { return number_; }
   // The HRESULT the automation layer reported for it: FACILITY_CONTROL errors 0x800A0000 + n.

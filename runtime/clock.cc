@@ -63,7 +63,9 @@ Date Now() {
   return state.fixed ? *state.fixed : SystemNow();
 }
 
-Date Today() { return DateOnly(Now()); }
+Date Today() {
+  return DateOnly(Now());
+}
 
 void SetFixedNow(std::optional<Date> moment) {
   ClockState& state = State();

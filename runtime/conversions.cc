@@ -76,25 +76,38 @@ std::optional<double> ParseNumericText(std::string_view text) {
 
 std::string CStr(const Variant& v) {
   switch (v.type()) {
-    case Variant::Type::kEmpty: return "";
-    case Variant::Type::kNull: RaiseInvalidUseOfNull();
-    case Variant::Type::kBoolean: return v.AsBoolean() ? "True" : "False";
-    case Variant::Type::kLong: return std::to_string(v.AsLong());
-    case Variant::Type::kDouble: return DoubleText(v.AsDouble());
-    case Variant::Type::kString: return v.AsString();
-    case Variant::Type::kDate: return DateToText(v.AsDate());
+    case Variant::Type::kEmpty:
+      return "";
+    case Variant::Type::kNull:
+      RaiseInvalidUseOfNull();
+    case Variant::Type::kBoolean:
+      return v.AsBoolean() ? "True" : "False";
+    case Variant::Type::kLong:
+      return std::to_string(v.AsLong());
+    case Variant::Type::kDouble:
+      return DoubleText(v.AsDouble());
+    case Variant::Type::kString:
+      return v.AsString();
+    case Variant::Type::kDate:
+      return DateToText(v.AsDate());
   }
   return "";
 }
 
 double CDbl(const Variant& v) {
   switch (v.type()) {
-    case Variant::Type::kEmpty: return 0;
-    case Variant::Type::kNull: RaiseInvalidUseOfNull();
-    case Variant::Type::kBoolean: return v.AsBoolean() ? -1 : 0;
-    case Variant::Type::kLong: return v.AsLong();
-    case Variant::Type::kDouble: return v.AsDouble();
-    case Variant::Type::kDate: return v.AsDate().serial;
+    case Variant::Type::kEmpty:
+      return 0;
+    case Variant::Type::kNull:
+      RaiseInvalidUseOfNull();
+    case Variant::Type::kBoolean:
+      return v.AsBoolean() ? -1 : 0;
+    case Variant::Type::kLong:
+      return v.AsLong();
+    case Variant::Type::kDouble:
+      return v.AsDouble();
+    case Variant::Type::kDate:
+      return v.AsDate().serial;
     case Variant::Type::kString:
       if (auto n = ParseNumericText(v.AsString())) return *n;
       RaiseTypeMismatch();
@@ -118,12 +131,15 @@ bool CBool(const Variant& v) {
 
 Date CDate(const Variant& v) {
   switch (v.type()) {
-    case Variant::Type::kDate: return v.AsDate();
-    case Variant::Type::kNull: RaiseInvalidUseOfNull();
+    case Variant::Type::kDate:
+      return v.AsDate();
+    case Variant::Type::kNull:
+      RaiseInvalidUseOfNull();
     case Variant::Type::kString:
       if (auto d = ParseDateText(v.AsString())) return *d;
       RaiseTypeMismatch();
-    default: return Date{CDbl(v)};
+    default:
+      return Date{CDbl(v)};
   }
 }
 
@@ -132,9 +148,12 @@ bool IsNumeric(const Variant& v) {
     case Variant::Type::kEmpty:
     case Variant::Type::kBoolean:
     case Variant::Type::kLong:
-    case Variant::Type::kDouble: return true;
-    case Variant::Type::kString: return ParseNumericText(v.AsString()).has_value();
-    default: return false;
+    case Variant::Type::kDouble:
+      return true;
+    case Variant::Type::kString:
+      return ParseNumericText(v.AsString()).has_value();
+    default:
+      return false;
   }
 }
 
@@ -154,7 +173,9 @@ std::string RTrim(std::string_view s) {
   return end == std::string_view::npos ? "" : std::string(s.substr(0, end + 1));
 }
 
-std::string Trim(std::string_view s) { return LTrim(RTrim(s)); }
+std::string Trim(std::string_view s) {
+  return LTrim(RTrim(s));
+}
 
 std::string FormatTwoDigits(long n) {
   char buffer[24];

@@ -24,7 +24,9 @@ struct Token {
   int digits = 0;  // for numbers: how many digits were written
 };
 
-bool IsSeparator(char c) { return c == '/' || c == '-' || c == '.' || c == ',' || c == ' '; }
+bool IsSeparator(char c) {
+  return c == '/' || c == '-' || c == '.' || c == ',' || c == ' ';
+}
 
 std::optional<std::vector<Token>> Tokenize(std::string_view text) {
   std::vector<Token> tokens;
@@ -35,12 +37,13 @@ std::optional<std::vector<Token>> Tokenize(std::string_view text) {
       ++i;
     } else if (std::isdigit(c)) {
       size_t start = i;
-      while (i < text.size() && (std::isdigit(static_cast<unsigned char>(text[i])) || text[i] == ':'))
+      while (i < text.size() &&
+             (std::isdigit(static_cast<unsigned char>(text[i])) || text[i] == ':'))
         ++i;
       std::string run(text.substr(start, i - start));
       bool is_time = run.find(':') != std::string::npos;
-      tokens.push_back({is_time ? Token::Kind::kTime : Token::Kind::kNumber, run,
-                        static_cast<int>(run.size())});
+      tokens.push_back(
+          {is_time ? Token::Kind::kTime : Token::Kind::kNumber, run, static_cast<int>(run.size())});
     } else if (std::isalpha(c)) {
       size_t start = i;
       while (i < text.size() && std::isalpha(static_cast<unsigned char>(text[i]))) ++i;
@@ -169,7 +172,8 @@ std::optional<Date> ParseDateText(std::string_view text) {
     } else if (t.kind == Token::Kind::kTime) {
       if (time != nullptr) return std::nullopt;
       time = &t;
-    } else if (std::string w = Lower(t.text); (w == "am" || w == "pm") && time && meridiem.empty()) {
+    } else if (std::string w = Lower(t.text);
+               (w == "am" || w == "pm") && time && meridiem.empty()) {
       meridiem = w;
     } else if (int m = MonthFromWord(t.text); m != 0 && month_word == 0 && time == nullptr) {
       month_word = m;

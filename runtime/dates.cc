@@ -57,11 +57,13 @@ Split SplitSerial(Date d) {
   return {static_cast<long>(days), static_cast<int>(seconds)};
 }
 
-Civil CivilOf(Date d) { return CivilFromDays(SplitSerial(d).days + kEpochOffset); }
+Civil CivilOf(Date d) {
+  return CivilFromDays(SplitSerial(d).days + kEpochOffset);
+}
 
-const std::array<const char*, 12> kMonthNames = {"January", "February", "March",     "April",
-                                                 "May",     "June",     "July",      "August",
-                                                 "September", "October", "November", "December"};
+const std::array<const char*, 12> kMonthNames = {"January",   "February", "March",    "April",
+                                                 "May",       "June",     "July",     "August",
+                                                 "September", "October",  "November", "December"};
 const std::array<const char*, 7> kWeekdayNames = {"Sunday",   "Monday", "Tuesday", "Wednesday",
                                                   "Thursday", "Friday", "Saturday"};
 
@@ -84,12 +86,24 @@ Date Combine(Date day, Date time_of_day) {
   return Date{std::floor(day.serial) + (time_of_day.serial - std::floor(time_of_day.serial))};
 }
 
-int Year(Date d) { return CivilOf(d).year; }
-int Month(Date d) { return CivilOf(d).month; }
-int Day(Date d) { return CivilOf(d).day; }
-int Hour(Date d) { return SplitSerial(d).seconds / 3600; }
-int Minute(Date d) { return SplitSerial(d).seconds / 60 % 60; }
-int Second(Date d) { return SplitSerial(d).seconds % 60; }
+int Year(Date d) {
+  return CivilOf(d).year;
+}
+int Month(Date d) {
+  return CivilOf(d).month;
+}
+int Day(Date d) {
+  return CivilOf(d).day;
+}
+int Hour(Date d) {
+  return SplitSerial(d).seconds / 3600;
+}
+int Minute(Date d) {
+  return SplitSerial(d).seconds / 60 % 60;
+}
+int Second(Date d) {
+  return SplitSerial(d).seconds % 60;
+}
 
 int Weekday(Date d) {
   // Serial 0, 30 December 1899, was a Saturday.
@@ -98,9 +112,13 @@ int Weekday(Date d) {
   return static_cast<int>(index) + 1;
 }
 
-Date DateOnly(Date d) { return Date{static_cast<double>(SplitSerial(d).days)}; }
+Date DateOnly(Date d) {
+  return Date{static_cast<double>(SplitSerial(d).days)};
+}
 
-bool HasTimeOfDay(Date d) { return SplitSerial(d).seconds != 0; }
+bool HasTimeOfDay(Date d) {
+  return SplitSerial(d).seconds != 0;
+}
 
 int DaysInCalendarMonth(int year, int month) {
   static constexpr std::array<int, 12> kDays = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};

@@ -19,7 +19,9 @@ const RegionalSettings* Find(std::string_view name) {
 
 }  // namespace
 
-const RegionalSettings& Regional() { return *current.load(std::memory_order_relaxed); }
+const RegionalSettings& Regional() {
+  return *current.load(std::memory_order_relaxed);
+}
 
 bool SetRegionalSettings(std::string_view name) {
   const RegionalSettings* found = Find(name);
@@ -29,9 +31,12 @@ bool SetRegionalSettings(std::string_view name) {
 }
 
 ScopedRegionalSettings::ScopedRegionalSettings(std::string_view name) : previous_(Regional().name) {
-  if (!SetRegionalSettings(name)) throw std::invalid_argument("unknown locale " + std::string(name));
+  if (!SetRegionalSettings(name))
+    throw std::invalid_argument("unknown locale " + std::string(name));
 }
 
-ScopedRegionalSettings::~ScopedRegionalSettings() { SetRegionalSettings(previous_); }
+ScopedRegionalSettings::~ScopedRegionalSettings() {
+  SetRegionalSettings(previous_);
+}
 
 }  // namespace tidewell

@@ -12,7 +12,8 @@ TEST(PageTemplate, DefaultLinksTheStyleSheetAndDeclaresUtf8) {
   EXPECT_NE(page.find("charset=utf-8"), std::string::npos);
   // The transitional document type without a system identifier keeps the table layouts in
   // the browsers' compatibility mode.
-  EXPECT_EQ(page.rfind("<!DOCTYPE HTML PUBLIC \"-//W3C//DTD HTML 4.01 Transitional//EN\">\n", 0), 0u);
+  EXPECT_EQ(page.rfind("<!DOCTYPE HTML PUBLIC \"-//W3C//DTD HTML 4.01 Transitional//EN\">\n", 0),
+            0u);
 }
 
 TEST(PageTemplate, FillPutsTheOutputAtTheMarker) {

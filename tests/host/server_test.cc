@@ -1,7 +1,7 @@
 // Starts the real `tidewell serve` and talks HTTP to it.
 
-#include <httplib.h>
 #include <gtest/gtest.h>
+#include <httplib.h>
 
 #include <filesystem>
 #include <fstream>
@@ -15,14 +15,16 @@ namespace {
 class Server : public ::testing::Test {
  protected:
   void SetUp() override {
-    folder_ = std::filesystem::path(::testing::TempDir()) / ("tidewell_server_" + std::to_string(getpid()));
+    folder_ = std::filesystem::path(::testing::TempDir()) /
+              ("tidewell_server_" + std::to_string(getpid()));
     std::filesystem::create_directories(folder_);
     config_ = (folder_ / "tidewell.conf").string();
     std::ofstream(config_) << "Visible = True\nImagePath = images/\n"
                               "LinkSecret = server-test-secret-0123456789\n"
                               "[page /cal/default.asp]\nTidewellColor = #000000\n";
     server_ = std::make_unique<testing::ServerProcess>(
-        TIDEWELL_BINARY, std::vector<std::string>{"serve", "--config", config_, "--listen", "127.0.0.1:0"},
+        TIDEWELL_BINARY,
+        std::vector<std::string>{"serve", "--config", config_, "--listen", "127.0.0.1:0"},
         std::vector<std::string>{"TIDEWELL_NOW=2026-11-21 09:30:00"});
     port_ = server_->WaitForPort();
     ASSERT_NE(port_, 0) << server_->Log();
@@ -104,14 +106,19 @@ TEST_F(Server, LogsOneLinePerRequest) {
   EXPECT_NE(log.find("2026-11-21 09:30:00 127.0.0.1"), std::string::npos) << log;
 }
 
-TEST_F(Server, StopsCleanlyOnSigterm) { EXPECT_EQ(server_->Stop(SIGTERM), 0); }
+TEST_F(Server, StopsCleanlyOnSigterm) {
+  EXPECT_EQ(server_->Stop(SIGTERM), 0);
+}
 
-TEST_F(Server, StopsCleanlyOnSigint) { EXPECT_EQ(server_->Stop(SIGINT), 0); }
+TEST_F(Server, StopsCleanlyOnSigint) {
+  EXPECT_EQ(server_->Stop(SIGINT), 0);
+}
 
 TEST(ServerStart, BadConfigurationStopsWithTheLine) {
   std::string config = ::testing::TempDir() + "/bad_tidewell.conf";
   std::ofstream(config) << "Visible = True\nVisible = sometimes\n";
-  testing::ServerProcess server(TIDEWELL_BINARY, {"serve", "--config", config, "--listen", "127.0.0.1:0"});
+  testing::ServerProcess server(TIDEWELL_BINARY,
+                                {"serve", "--config", config, "--listen", "127.0.0.1:0"});
   EXPECT_EQ(server.WaitForPort(std::chrono::seconds(10)), 0);
   EXPECT_EQ(server.Stop(0), 1);
   EXPECT_NE(server.Log().find("bad_tidewell.conf:2: bad value for Visible"), std::string::npos)

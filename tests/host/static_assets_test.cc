@@ -22,7 +22,8 @@ class StaticAssetsTest : public ::testing::Test {
 
 TEST_F(StaticAssetsTest, FindsImagesUnderAnyPagesFolder) {
   StaticAssets assets = StaticAssets::Load(root_.string());
-  for (const char* path : {"/images/nav_line.gif", "/cal/images/nav_line.gif", "/a/b/images/nav_line.gif"}) {
+  for (const char* path :
+       {"/images/nav_line.gif", "/cal/images/nav_line.gif", "/a/b/images/nav_line.gif"}) {
     const StaticAssets::Asset* asset = assets.Find(path);
     ASSERT_NE(asset, nullptr) << path;
     EXPECT_EQ(asset->content_type, "image/gif");

@@ -18,21 +18,31 @@ long ErrorNumberOf(auto&& call) {
   return 0;
 }
 
-TEST(CLng, ReadsDecimalText) { EXPECT_EQ(CLng("42"), 42); }
-TEST(CLng, AllowsBlanksAndSign) { EXPECT_EQ(CLng("  -7 "), -7); }
+TEST(CLng, ReadsDecimalText) {
+  EXPECT_EQ(CLng("42"), 42);
+}
+TEST(CLng, AllowsBlanksAndSign) {
+  EXPECT_EQ(CLng("  -7 "), -7);
+}
 TEST(CLng, RoundsHalfToEven) {
   EXPECT_EQ(CLng("2.5"), 2);
   EXPECT_EQ(CLng("3.5"), 4);
 }
-TEST(CLng, ReadsHexText) { EXPECT_EQ(CLng("&h7E"), 126); }
+TEST(CLng, ReadsHexText) {
+  EXPECT_EQ(CLng("&h7E"), 126);
+}
 TEST(CLng, NonNumericTextIsTypeMismatch) {
   EXPECT_EQ(ErrorNumberOf([] { CLng("abc"); }), errors::kTypeMismatch);
 }
 TEST(CLng, EmptyTextIsTypeMismatch) {
   EXPECT_EQ(ErrorNumberOf([] { CLng(""); }), errors::kTypeMismatch);
 }
-TEST(CLng, EmptyVariantIsZero) { EXPECT_EQ(CLng(Variant()), 0); }
-TEST(CLng, TrueIsMinusOne) { EXPECT_EQ(CLng(true), -1); }
+TEST(CLng, EmptyVariantIsZero) {
+  EXPECT_EQ(CLng(Variant()), 0);
+}
+TEST(CLng, TrueIsMinusOne) {
+  EXPECT_EQ(CLng(true), -1);
+}
 TEST(CLng, NullIsInvalidUseOfNull) {
   EXPECT_EQ(ErrorNumberOf([] { CLng(Variant(Null{})); }), errors::kInvalidUseOfNull);
 }
@@ -58,7 +68,9 @@ TEST(CStr, WritesNumbers) {
   EXPECT_EQ(CStr(2.5), "2.5");
   EXPECT_EQ(CStr(0.1), "0.1");
 }
-TEST(CStr, EmptyIsEmptyText) { EXPECT_EQ(CStr(Variant()), ""); }
+TEST(CStr, EmptyIsEmptyText) {
+  EXPECT_EQ(CStr(Variant()), "");
+}
 TEST(CStr, WritesDatesInTheRegionalFormat) {
   {
     ScopedRegionalSettings us("en-US");

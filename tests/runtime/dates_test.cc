@@ -37,7 +37,9 @@ TEST(Weekday, CountsFromSunday) {
   EXPECT_EQ(Weekday(DateSerial(1850, 6, 2)), 1);    // before day zero too
 }
 
-TEST(DateAdd, AddsDays) { EXPECT_EQ(DateAdd("d", -1, DateSerial(2026, 3, 1)), DateSerial(2026, 2, 28)); }
+TEST(DateAdd, AddsDays) {
+  EXPECT_EQ(DateAdd("d", -1, DateSerial(2026, 3, 1)), DateSerial(2026, 2, 28));
+}
 
 TEST(DateAdd, MonthsKeepTheDayOrTakeTheMonthsLast) {
   EXPECT_EQ(DateAdd("m", 1, DateSerial(2024, 1, 31)), DateSerial(2024, 2, 29));
