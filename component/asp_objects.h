@@ -13,8 +13,7 @@ namespace tidewell {
 class AspCollection {
  public:
   AspCollection() = default;
-  AspCollection(std::initializer_list<std::pair<std::string, std::string>> items)
-      : items_(items) {}
+  AspCollection(std::initializer_list<std::pair<std::string, std::string>> items) : items_(items) {}
 
   void Add(std::string name, std::string value) {
     items_.emplace_back(std::move(name), std::move(value));

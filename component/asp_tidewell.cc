@@ -10,9 +10,13 @@ namespace {
 constexpr long kNoObject = -2147467261;
 }  // namespace
 
-ASPTidewell::ASPTidewell() { ResetPropertyDefaults(page_.props); }
+ASPTidewell::ASPTidewell() {
+  ResetPropertyDefaults(page_.props);
+}
 
-void ASPTidewell::SetImagePath(std::string v) { tidewell::SetImagePath(page_.props, std::move(v)); }
+void ASPTidewell::SetImagePath(std::string v) {
+  tidewell::SetImagePath(page_.props, std::move(v));
+}
 
 void ASPTidewell::OnStartPage(const ScriptingContext& context) {
   context_ = &context;

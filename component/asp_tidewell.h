@@ -41,17 +41,35 @@ class ASPTidewell {
   bool HighlightTodaysTime() const { return page_.props.HighlightTodaysTime; }
   void SetHighlightTodaysTime(bool v) { page_.props.HighlightTodaysTime = v; }
   const std::string& HighlightDeltaDaysColor() const { return page_.props.HighlightDeltaDaysColor; }
-  void SetHighlightDeltaDaysColor(std::string v) { page_.props.HighlightDeltaDaysColor = std::move(v); }
-  const std::string& HighlightTodaysDateColor() const { return page_.props.HighlightTodaysDateColor; }
-  void SetHighlightTodaysDateColor(std::string v) { page_.props.HighlightTodaysDateColor = std::move(v); }
-  const std::string& HighlightTodaysTimeColor() const { return page_.props.HighlightTodaysTimeColor; }
-  void SetHighlightTodaysTimeColor(std::string v) { page_.props.HighlightTodaysTimeColor = std::move(v); }
+  void SetHighlightDeltaDaysColor(std::string v) {
+    page_.props.HighlightDeltaDaysColor = std::move(v);
+  }
+  const std::string& HighlightTodaysDateColor() const {
+    return page_.props.HighlightTodaysDateColor;
+  }
+  void SetHighlightTodaysDateColor(std::string v) {
+    page_.props.HighlightTodaysDateColor = std::move(v);
+  }
+  const std::string& HighlightTodaysTimeColor() const {
+    return page_.props.HighlightTodaysTimeColor;
+  }
+  void SetHighlightTodaysTimeColor(std::string v) {
+    page_.props.HighlightTodaysTimeColor = std::move(v);
+  }
   const std::string& TimeViewHeadingColor() const { return page_.props.TimeViewHeadingColor; }
   void SetTimeViewHeadingColor(std::string v) { page_.props.TimeViewHeadingColor = std::move(v); }
-  const std::string& TimeViewDescriptionColor() const { return page_.props.TimeViewDescriptionColor; }
-  void SetTimeViewDescriptionColor(std::string v) { page_.props.TimeViewDescriptionColor = std::move(v); }
-  const std::string& TimeViewSelectedItemColor() const { return page_.props.TimeViewSelectedItemColor; }
-  void SetTimeViewSelectedItemColor(std::string v) { page_.props.TimeViewSelectedItemColor = std::move(v); }
+  const std::string& TimeViewDescriptionColor() const {
+    return page_.props.TimeViewDescriptionColor;
+  }
+  void SetTimeViewDescriptionColor(std::string v) {
+    page_.props.TimeViewDescriptionColor = std::move(v);
+  }
+  const std::string& TimeViewSelectedItemColor() const {
+    return page_.props.TimeViewSelectedItemColor;
+  }
+  void SetTimeViewSelectedItemColor(std::string v) {
+    page_.props.TimeViewSelectedItemColor = std::move(v);
+  }
   const std::string& TimeViewColumnColor() const { return page_.props.TimeViewColumnColor; }
   void SetTimeViewColumnColor(std::string v) { page_.props.TimeViewColumnColor = std::move(v); }
   const std::string& CompletedItemColor() const { return page_.props.CompletedItemColor; }

@@ -9,10 +9,23 @@ namespace tidewell {
 
 int DaysInMonth(int month, int year) {
   switch (month) {
-    case 1: case 3: case 5: case 7: case 8: case 10: case 12: return 31;
-    case 4: case 6: case 9: case 11: return 30;
-    case 2: return IsDate(MonthName(2) + " 29, " + std::to_string(year)) ? 29 : 28;
-    default: return 0;
+    case 1:
+    case 3:
+    case 5:
+    case 7:
+    case 8:
+    case 10:
+    case 12:
+      return 31;
+    case 4:
+    case 6:
+    case 9:
+    case 11:
+      return 30;
+    case 2:
+      return IsDate(MonthName(2) + " 29, " + std::to_string(year)) ? 29 : 28;
+    default:
+      return 0;
   }
 }
 

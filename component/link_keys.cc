@@ -70,11 +70,14 @@ std::string GenerateOwnerKey() {
   return Hex(bytes, sizeof bytes);
 }
 
-bool IsOwnerKey(std::string_view key) { return key.size() == kKeyDigits && IsLowerHex(key); }
+bool IsOwnerKey(std::string_view key) {
+  return key.size() == kKeyDigits && IsLowerHex(key);
+}
 
 std::string SignKey(const LinkSigning& signing, std::string_view key) {
   if (key.empty()) return "";
-  std::string message = std::string(key) + "." + std::to_string(UnixNow() + signing.lifetime_seconds);
+  std::string message =
+      std::string(key) + "." + std::to_string(UnixNow() + signing.lifetime_seconds);
   return message + "." + Mac(signing, message);
 }
 
@@ -89,7 +92,8 @@ std::optional<std::string> CheckSignedKey(const LinkSigning& signing, std::strin
 
   long long expiry = 0;
   auto [end, error] = std::from_chars(expiry_text.begin(), expiry_text.end(), expiry);
-  if (error != std::errc() || end != expiry_text.end() || expiry_text[0] == '0') return std::nullopt;
+  if (error != std::errc() || end != expiry_text.end() || expiry_text[0] == '0')
+    return std::nullopt;
 
   std::string expected = Mac(signing, signed_key.substr(0, last_dot));
   if (CRYPTO_memcmp(expected.data(), mac.data(), kMacDigits) != 0) return std::nullopt;

@@ -37,9 +37,15 @@ void StartWithoutLink(Page& page) {
   page.UserKey.clear();
   page.SortOrder.clear();
   page.AdminKey.clear();
-  page.LinkFields = {Variant(""), Variant(screens::kLogin), Variant(page.CurrentDate),
-                     Variant(page.CurrentHour), Variant(0), Variant(""), Variant(""),
-                     Variant(""), Variant("")};
+  page.LinkFields = {Variant(""),
+                     Variant(screens::kLogin),
+                     Variant(page.CurrentDate),
+                     Variant(page.CurrentHour),
+                     Variant(0),
+                     Variant(""),
+                     Variant(""),
+                     Variant(""),
+                     Variant("")};
 }
 
 // Field 1: "screen", "screen/return view" or "screen/argument".

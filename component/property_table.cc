@@ -55,7 +55,8 @@ const Entry* FindOrNull(std::string_view name) {
 
 const Entry& Find(std::string_view name) {
   if (const Entry* e = FindOrNull(name)) return *e;
-  throw AutomationError(438, "Object doesn't support this property or method: " + std::string(name));
+  throw AutomationError(438,
+                        "Object doesn't support this property or method: " + std::string(name));
 }
 
 // The data server takes its enumeration's names as well as its numbers.
@@ -99,7 +100,9 @@ Variant GetProperty(const Properties& p, std::string_view name) {
       Find(name).member);
 }
 
-bool IsPropertyName(std::string_view name) { return FindOrNull(name) != nullptr; }
+bool IsPropertyName(std::string_view name) {
+  return FindOrNull(name) != nullptr;
+}
 
 std::vector<std::string_view> PropertyNames() {
   std::vector<std::string_view> names;

@@ -11,10 +11,18 @@ class DateHelpers : public ::testing::TestWithParam<const char*> {
   ScopedRegionalSettings settings_{GetParam()};
 };
 
-TEST_P(DateHelpers, LeapFebruaryOf2000Has29Days) { EXPECT_EQ(DaysInMonth(2, 2000), 29); }
-TEST_P(DateHelpers, February1900Has28Days) { EXPECT_EQ(DaysInMonth(2, 1900), 28); }
-TEST_P(DateHelpers, Month13HasNoDays) { EXPECT_EQ(DaysInMonth(13, 2004), 0); }
-TEST_P(DateHelpers, MonthZeroHasNoDays) { EXPECT_EQ(DaysInMonth(0, 2004), 0); }
+TEST_P(DateHelpers, LeapFebruaryOf2000Has29Days) {
+  EXPECT_EQ(DaysInMonth(2, 2000), 29);
+}
+TEST_P(DateHelpers, February1900Has28Days) {
+  EXPECT_EQ(DaysInMonth(2, 1900), 28);
+}
+TEST_P(DateHelpers, Month13HasNoDays) {
+  EXPECT_EQ(DaysInMonth(13, 2004), 0);
+}
+TEST_P(DateHelpers, MonthZeroHasNoDays) {
+  EXPECT_EQ(DaysInMonth(0, 2004), 0);
+}
 TEST_P(DateHelpers, LongAndShortMonths) {
   EXPECT_EQ(DaysInMonth(1, 2026), 31);
   EXPECT_EQ(DaysInMonth(4, 2026), 30);

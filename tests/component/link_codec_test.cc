@@ -12,8 +12,12 @@
 namespace tidewell {
 namespace {
 
-TEST(EncodeQueryString, TildeSixTilde) { EXPECT_EQ(EncodeQueryString("~6~", true), "7E367E"); }
-TEST(EncodeQueryString, PadsSmallCodesToTwoDigits) { EXPECT_EQ(EncodeQueryString("\t", true), "09"); }
+TEST(EncodeQueryString, TildeSixTilde) {
+  EXPECT_EQ(EncodeQueryString("~6~", true), "7E367E");
+}
+TEST(EncodeQueryString, PadsSmallCodesToTwoDigits) {
+  EXPECT_EQ(EncodeQueryString("\t", true), "09");
+}
 TEST(EncodeQueryString, EmptyPayloadEncodesAndDecodesToEmpty) {
   EXPECT_EQ(EncodeQueryString("", true), "");
   EXPECT_EQ(DecodeQueryString("", true), "");
@@ -30,8 +34,12 @@ TEST(EncodeQueryString, MultibyteCharacterSurvivesTheRoundTrip) {
   EXPECT_EQ(DecodeQueryString(EncodeQueryString(text, true), true), text);
 }
 
-TEST(DecodeQueryString, AcceptsLowerCaseDigits) { EXPECT_EQ(DecodeQueryString("7e367e", true), "~6~"); }
-TEST(DecodeQueryString, OddLastDigitIsReadAlone) { EXPECT_EQ(DecodeQueryString("7E7", true), "~\x07"); }
+TEST(DecodeQueryString, AcceptsLowerCaseDigits) {
+  EXPECT_EQ(DecodeQueryString("7e367e", true), "~6~");
+}
+TEST(DecodeQueryString, OddLastDigitIsReadAlone) {
+  EXPECT_EQ(DecodeQueryString("7E7", true), "~\x07");
+}
 TEST(DecodeQueryString, NonHexPairIsTypeMismatch) {
   try {
     DecodeQueryString("7EZZ", true);

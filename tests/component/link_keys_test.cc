@@ -32,7 +32,9 @@ TEST_F(LinkKeys, SignedKeyChecksBackToTheBareKey) {
   EXPECT_EQ(CheckSignedKey(signing, SignKey(signing, key)), key);
 }
 
-TEST_F(LinkKeys, EmptyKeyStaysEmpty) { EXPECT_EQ(SignKey(signing, ""), ""); }
+TEST_F(LinkKeys, EmptyKeyStaysEmpty) {
+  EXPECT_EQ(SignKey(signing, ""), "");
+}
 
 TEST_F(LinkKeys, BareKeyFails) {
   EXPECT_FALSE(CheckSignedKey(signing, GenerateOwnerKey()));
@@ -76,8 +78,8 @@ TEST_F(LinkKeys, MalformedTokensFail) {
   std::string key = GenerateOwnerKey();
   std::string token = SignKey(signing, key);
   for (std::string bad : {std::string(""), std::string("."), std::string(".."), key + "..",
-                          key.substr(1) + token.substr(32), "X" + token.substr(1),
-                          token + "0", key + ".+1" + token.substr(token.rfind('.'))}) {
+                          key.substr(1) + token.substr(32), "X" + token.substr(1), token + "0",
+                          key + ".+1" + token.substr(token.rfind('.'))}) {
     EXPECT_FALSE(CheckSignedKey(signing, bad)) << bad;
   }
 }

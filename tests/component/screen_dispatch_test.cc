@@ -11,8 +11,12 @@ void MonthThatFailsAList(Page& page) {
   page.ErrorKind = "DS";
   page.Screen = screens::kErrorScreen;
 }
-void ErrorScreen(Page& page) { page.PageBuffer += "[error]"; }
-void Login(Page& page) { page.PageBuffer += "[login]"; }
+void ErrorScreen(Page& page) {
+  page.PageBuffer += "[error]";
+}
+void Login(Page& page) {
+  page.PageBuffer += "[login]";
+}
 
 ScreenTable TestTable() {
   ScreenTable table{};
