@@ -8,20 +8,10 @@
 #include "runtime/automation_error.h"
 #include "runtime/clock.h"
 #include "runtime/conversions.h"
+#include "runtime/strings.h"
 
 namespace tidewell {
 namespace {
-
-std::vector<std::string> Split(std::string_view text, char separator) {
-  std::vector<std::string> parts;
-  size_t start = 0;
-  while (true) {
-    size_t end = text.find(separator, start);
-    parts.emplace_back(text.substr(start, end == std::string_view::npos ? end : end - start));
-    if (end == std::string_view::npos) return parts;
-    start = end + 1;
-  }
-}
 
 // LinkFields(i) as text; a payload with fewer fields fails as the array access did.
 std::string Field(const Page& page, size_t index) {

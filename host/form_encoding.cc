@@ -2,6 +2,8 @@
 
 #include <cctype>
 
+#include "runtime/strings.h"
+
 namespace tidewell {
 namespace {
 

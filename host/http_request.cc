@@ -3,6 +3,8 @@
 #include <httplib.h>
 
 #include "host/form_encoding.h"
+#include "runtime/conversions.h"
+#include "runtime/strings.h"
 
 namespace tidewell {
 namespace {
@@ -21,15 +23,11 @@ bool IsFormPost(const httplib::Request& http) {
 
 AspCollection ParseCookies(std::string_view header) {
   AspCollection cookies;
-  while (!header.empty()) {
-    size_t semicolon = header.find(';');
-    std::string_view pair = header.substr(0, semicolon);
-    header =
-        semicolon == std::string_view::npos ? std::string_view() : header.substr(semicolon + 1);
-    while (!pair.empty() && pair.front() == ' ') pair.remove_prefix(1);
+  for (const std::string& piece : Split(header, ';')) {
+    std::string pair = Trim(piece);
     size_t eq = pair.find('=');
-    if (pair.empty() || eq == std::string_view::npos) continue;
-    cookies.Add(std::string(pair.substr(0, eq)), std::string(pair.substr(eq + 1)));
+    if (eq == std::string::npos) continue;
+    cookies.Add(pair.substr(0, eq), pair.substr(eq + 1));
   }
   return cookies;
 }
