@@ -1,11 +1,13 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "component/asp_objects.h"
 #include "component/link_keys.h"
 #include "component/properties.h"
+#include "data/connection.h"
 #include "runtime/variant.h"
 
 namespace tidewell {
@@ -80,12 +82,11 @@ struct Page {
   std::string ErrorText;
   std::string ErrorKind;
   std::string SearchResults;
+  std::shared_ptr<ado::Connection> Connection;  // opened at step 8 of Show, closed at its end
 
   // Request("name") / Request.Form("name"), or "" when no request is bound.
   std::string RequestValue(std::string_view name) const { return request ? (*request)(name) : ""; }
-  std::string FormValue(std::string_view name) const {
-    return request ? request->Form(name) : "";
-  }
+  std::string FormValue(std::string_view name) const { return request ? request->Form(name) : ""; }
 };
 
 }  // namespace tidewell

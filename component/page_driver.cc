@@ -3,6 +3,7 @@
 #include "component/link_state.h"
 #include "component/page.h"
 #include "component/screen_dispatch.h"
+#include "data/open_database.h"
 #include "runtime/automation_error.h"
 #include "runtime/clock.h"
 #include "runtime/dates.h"
@@ -11,15 +12,17 @@ namespace tidewell {
 namespace {
 
 // 424: what the run time said when a script used an object it did not have.
-[[noreturn]] void RaiseObjectRequired() { throw AutomationError(424, "Object required"); }
+[[noreturn]] void RaiseObjectRequired() {
+  throw AutomationError(424, "Object required");
+}
 
 void ResolveStartHour(Page& page) {
   if (page.props.DefaultStartHour == -1) page.props.DefaultStartHour = Hour(Now());
 }
 
 void OpenWrapperDivs(Page& page) {
-  page.PageBuffer = page.props.Visible ? "<div id=ws_vis >"
-                                       : "<div id=ws_vis style=\"display:none\">";
+  page.PageBuffer =
+      page.props.Visible ? "<div id=ws_vis >" : "<div id=ws_vis style=\"display:none\">";
   if (!page.props.Position.empty()) {
     page.PageBuffer += "<div id=ws_pos style=\"" + page.props.Position + "\">";
   } else {
@@ -36,11 +39,15 @@ void WritePage(Page& page) {
 // current user. Each subsystem's action is called from here as it is built: login on screen 6,
 // item updates on screen 4 and for a deletion link, account updates on screens 8 and 7, group
 // updates on screen 10, the search on screen 15.
-void RunPostedActions(Page& page) { (void)page; }
+void RunPostedActions(Page& page) {
+  (void)page;
+}
 
 // Step 10: frame, buttons, navigation, the screen, frame end and view tabs, in page order.
 // The frame pieces come with the page frame; the screens fill the dispatcher's table.
-void AssemblePage(Page& page) { DispatchScreen(page); }
+void AssemblePage(Page& page) {
+  DispatchScreen(page);
+}
 
 }  // namespace
 
@@ -60,8 +67,10 @@ void RunPageDriver(Page& page) {
     return;
   }
 
+  OpenDatabase(page);
   if (!page.ErrorFlag) RunPostedActions(page);
   AssemblePage(page);
+  CloseDatabase(page);
   page.PageBuffer += "</div>";
   page.PageBuffer += "</div>";
   if (!page.ViewSourceMode) WritePage(page);

@@ -1,26 +1,28 @@
 #include "component/screen_dispatch.h"
 
+#include "data/error_screen.h"
+
 namespace tidewell {
 
 const ScreenTable& Screens() {
   static const ScreenTable table = {
-      nullptr,  // 0 month view
-      nullptr,  // 1 week view
-      nullptr,  // 2 day view
-      nullptr,  // 3 time view
-      nullptr,  // 4 item form
-      nullptr,  // 5 date picker: drawn alone by the driver
-      nullptr,  // 6 login
-      nullptr,  // 7 user options
-      nullptr,  // 8 administrator options
-      nullptr,  // 9 welcome
-      nullptr,  // 10 group options
-      nullptr,  // 11 user help
-      nullptr,  // 12 group help
-      nullptr,  // 13 item help
-      nullptr,  // 14 database error
-      nullptr,  // 15 search
-      nullptr,  // 16 search help
+      nullptr,      // 0 month view
+      nullptr,      // 1 week view
+      nullptr,      // 2 day view
+      nullptr,      // 3 time view
+      nullptr,      // 4 item form
+      nullptr,      // 5 date picker: drawn alone by the driver
+      nullptr,      // 6 login
+      nullptr,      // 7 user options
+      nullptr,      // 8 administrator options
+      nullptr,      // 9 welcome
+      nullptr,      // 10 group options
+      nullptr,      // 11 user help
+      nullptr,      // 12 group help
+      nullptr,      // 13 item help
+      ErrorScreen,  // 14 database error
+      nullptr,      // 15 search
+      nullptr,      // 16 search help
   };
   return table;
 }
@@ -41,10 +43,14 @@ void DispatchScreen(Page& page, const ScreenTable& table) {
 
 ViewTabs SelectViewTabs(long screen, long return_view) {
   switch (screen) {
-    case screens::kMonthView: return ViewTabs::kMonth;
-    case screens::kWeekView: return ViewTabs::kWeek;
-    case screens::kDayView: return ViewTabs::kDay;
-    case screens::kTimeView: return ViewTabs::kTime;
+    case screens::kMonthView:
+      return ViewTabs::kMonth;
+    case screens::kWeekView:
+      return ViewTabs::kWeek;
+    case screens::kDayView:
+      return ViewTabs::kDay;
+    case screens::kTimeView:
+      return ViewTabs::kTime;
     case screens::kItemForm:
     case screens::kUserOptions:
     case screens::kAdministratorOptions:
@@ -55,12 +61,17 @@ ViewTabs SelectViewTabs(long screen, long return_view) {
     case screens::kSearch:
     case screens::kSearchHelp:
       switch (return_view) {
-        case 0: return ViewTabs::kMonth;
-        case 1: return ViewTabs::kWeek;
-        case 2: return ViewTabs::kDay;
-        default: return ViewTabs::kTime;
+        case 0:
+          return ViewTabs::kMonth;
+        case 1:
+          return ViewTabs::kWeek;
+        case 2:
+          return ViewTabs::kDay;
+        default:
+          return ViewTabs::kTime;
       }
-    default: return ViewTabs::kNone;
+    default:
+      return ViewTabs::kNone;
   }
 }
 

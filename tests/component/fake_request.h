@@ -18,6 +18,8 @@ struct FakeVisit {
 
   explicit FakeVisit(std::string url = "/cal/default.asp") {
     request.ServerVariables.Add("URL", std::move(url));
+    // Show opens the database on every request; an empty in-memory one opens without error.
+    component.SetConnectionString("Provider=SQLite;Data Source=:memory:");
   }
   // Sets the "WS" parameter to the hex form of `payload`.
   FakeVisit& Link(std::string_view payload) {

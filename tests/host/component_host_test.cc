@@ -16,7 +16,8 @@ AspRequest RequestFor(std::string url, std::string ws = "") {
 }
 
 TEST(RunComponent, WrapsTheOutputInThePageTemplate) {
-  SiteConfig config = ParseConfig("Visible = True\n", "f");
+  SiteConfig config =
+      ParseConfig("Visible = True\nConnectionString = Provider=SQLite;Data Source=:memory:\n", "f");
   config.pages[0].page_template = "<body>{{tidewell}}</body>";
   HostAnswer answer = RunComponent(config.pages[0], {}, RequestFor("/"));
   EXPECT_EQ(answer.status, 200);
@@ -24,7 +25,10 @@ TEST(RunComponent, WrapsTheOutputInThePageTemplate) {
 }
 
 TEST(RunComponent, PropertiesApplyInFileOrderAfterOnStartPage) {
-  SiteConfig config = ParseConfig("Visible = True\nPosition = a\nPosition = b\n", "f");
+  SiteConfig config = ParseConfig(
+      "Visible = True\nConnectionString = Provider=SQLite;Data Source=:memory:\nPosition = a\n"
+      "Position = b\n",
+      "f");
   config.pages[0].page_template = "{{tidewell}}";
   HostAnswer answer = RunComponent(config.pages[0], {}, RequestFor("/"));
   EXPECT_EQ(answer.body, "<div id=ws_vis ><div id=ws_pos style=\"b\"></div></div>");
@@ -39,7 +43,8 @@ TEST(RunComponent, UndecodableLinkIsABadRequest) {
 }
 
 TEST(ViewComponentSource, ReturnsTheComponentsOwnText) {
-  SiteConfig config = ParseConfig("Visible = True\n", "f");
+  SiteConfig config =
+      ParseConfig("Visible = True\nConnectionString = Provider=SQLite;Data Source=:memory:\n", "f");
   EXPECT_EQ(ViewComponentSource(config.pages[0], {}, RequestFor("/")),
             "<div id=ws_vis ><div id=ws_pos ></div></div>");
 }

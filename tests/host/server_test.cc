@@ -20,6 +20,7 @@ class Server : public ::testing::Test {
     std::filesystem::create_directories(folder_);
     config_ = (folder_ / "tidewell.conf").string();
     std::ofstream(config_) << "Visible = True\nImagePath = images/\n"
+                              "ConnectionString = Provider=SQLite;Data Source=:memory:\n"
                               "LinkSecret = server-test-secret-0123456789\n"
                               "[page /cal/default.asp]\nTidewellColor = #000000\n";
     server_ = std::make_unique<testing::ServerProcess>(

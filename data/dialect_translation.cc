@@ -1,0 +1,215 @@
+#include "data/dialect_translation.h"
+
+#include <cctype>
+#include <optional>
+
+#include "data/connection_string.h"
+#include "data/database_error.h"
+#include "data/iso_dates.h"
+
+namespace tidewell::ado {
+namespace {
+
+bool IsWordStart(char c) {
+  return std::isalpha(static_cast<unsigned char>(c)) || c == '_' ||
+         static_cast<unsigned char>(c) >= 0x80;
+}
+bool IsWordPart(char c) {
+  return IsWordStart(c) || std::isdigit(static_cast<unsigned char>(c)) || c == '$';
+}
+bool IsDigit(char c) {
+  return std::isdigit(static_cast<unsigned char>(c)) != 0;
+}
+
+// Length of the token that starts `rest` and its kind.
+Token NextToken(std::string_view rest) {
+  const char c = rest[0];
+  auto until = [&](size_t from, std::string_view stop) {
+    size_t end = rest.find(stop, from);
+    return end == std::string_view::npos ? rest.size() : end + stop.size();
+  };
+  if (std::isspace(static_cast<unsigned char>(c))) {
+    size_t n = 1;
+    while (n < rest.size() && std::isspace(static_cast<unsigned char>(rest[n]))) ++n;
+    return {TokenKind::kSpace, rest.substr(0, n)};
+  }
+  if (rest.starts_with("--")) return {TokenKind::kSpace, rest.substr(0, until(2, "\n"))};
+  if (rest.starts_with("/*")) return {TokenKind::kSpace, rest.substr(0, until(2, "*/"))};
+  if (c == '\'') {
+    size_t n = 1;
+    while (n < rest.size()) {
+      if (rest[n] == '\'' && n + 1 < rest.size() && rest[n + 1] == '\'') {
+        n += 2;
+      } else if (rest[n] == '\'') {
+        ++n;
+        break;
+      } else {
+        ++n;
+      }
+    }
+    return {TokenKind::kText, rest.substr(0, n)};
+  }
+  if (c == '"') return {TokenKind::kQuotedName, rest.substr(0, until(1, "\""))};
+  if (c == '`') return {TokenKind::kQuotedName, rest.substr(0, until(1, "`"))};
+  if (c == '[') return {TokenKind::kQuotedName, rest.substr(0, until(1, "]"))};
+  if (c == '#') {
+    size_t end = rest.find('#', 1);
+    if (end == std::string_view::npos) return {TokenKind::kOther, rest.substr(0, 1)};
+    return {TokenKind::kDateLiteral, rest.substr(0, end + 1)};
+  }
+  if (IsDigit(c) || (c == '.' && rest.size() > 1 && IsDigit(rest[1]))) {
+    size_t n = 1;
+    while (n < rest.size() && (IsDigit(rest[n]) || rest[n] == '.')) ++n;
+    return {TokenKind::kNumber, rest.substr(0, n)};
+  }
+  if (IsWordStart(c)) {
+    size_t n = 1;
+    while (n < rest.size() && IsWordPart(rest[n])) ++n;
+    return {TokenKind::kWord, rest.substr(0, n)};
+  }
+  for (std::string_view op : {"<>", "<=", ">=", "!=", "==", "=", "<", ">"}) {
+    if (rest.starts_with(op)) return {TokenKind::kOperator, rest.substr(0, op.size())};
+  }
+  return {TokenKind::kOther, rest.substr(0, 1)};
+}
+
+bool IsWord(const Token& token, std::string_view word) {
+  return token.kind == TokenKind::kWord && EqualsIgnoringCase(token.text, word);
+}
+
+// Index of the first token after `i` that is not blank, or tokens.size().
+size_t NextSignificant(const std::vector<Token>& tokens, size_t i) {
+  for (++i; i < tokens.size(); ++i) {
+    if (tokens[i].kind != TokenKind::kSpace) return i;
+  }
+  return tokens.size();
+}
+
+// Index of the last token before `i` that is not blank, or npos.
+size_t PreviousSignificant(const std::vector<Token>& tokens, size_t i) {
+  while (i-- > 0) {
+    if (tokens[i].kind != TokenKind::kSpace) return i;
+  }
+  return std::string_view::npos;
+}
+
+// Removes "TOP n" after the leading SELECT [DISTINCT|ALL] and returns n's text.
+std::optional<std::string> TakeTopLimit(std::vector<Token>& tokens) {
+  size_t i = NextSignificant(tokens, static_cast<size_t>(-1));
+  if (i == tokens.size() || !IsWord(tokens[i], "SELECT")) return std::nullopt;
+  i = NextSignificant(tokens, i);
+  if (i < tokens.size() && (IsWord(tokens[i], "DISTINCT") || IsWord(tokens[i], "ALL"))) {
+    i = NextSignificant(tokens, i);
+  }
+  if (i == tokens.size() || !IsWord(tokens[i], "TOP")) return std::nullopt;
+  size_t number = NextSignificant(tokens, i);
+  if (number == tokens.size() || tokens[number].kind != TokenKind::kNumber) return std::nullopt;
+  std::string limit(tokens[number].text);
+  size_t end = number + 1;
+  if (end < tokens.size() && tokens[end].kind == TokenKind::kSpace) ++end;
+  tokens.erase(tokens.begin() + static_cast<long>(i), tokens.begin() + static_cast<long>(end));
+  return limit;
+}
+
+// Joins the tokens, with "LIMIT n" at the end of the statement (before a closing ";").
+std::string Join(const std::vector<Token>& tokens, const std::optional<std::string>& limit,
+                 const std::vector<std::string>& replacements) {
+  std::string text;
+  for (size_t i = 0; i < tokens.size(); ++i) {
+    text += replacements[i].empty() ? std::string(tokens[i].text) : replacements[i];
+  }
+  if (!limit) return text;
+  size_t end = text.find_last_not_of(" \t\r\n;");
+  std::string tail = end == std::string::npos ? text : text.substr(end + 1);
+  text.resize(end == std::string::npos ? 0 : end + 1);
+  return text + " LIMIT " + *limit + tail;
+}
+
+// The column a comparison operand names: "DateStamp" or the last part of "Items.DateStamp".
+std::optional<std::string_view> ColumnOperand(const std::vector<Token>& tokens, size_t i) {
+  if (i >= tokens.size()) return std::nullopt;
+  if (tokens[i].kind == TokenKind::kWord || tokens[i].kind == TokenKind::kQuotedName) {
+    std::string_view name = tokens[i].text;
+    if (tokens[i].kind == TokenKind::kQuotedName) name = name.substr(1, name.size() - 2);
+    return name;
+  }
+  return std::nullopt;
+}
+
+// Jet refused a date column compared with quoted text; SQLite would compare the texts.
+void RefuseDateComparedWithText(const std::vector<Token>& tokens,
+                                const std::function<bool(std::string_view)>& is_date_column) {
+  for (size_t i = 0; i < tokens.size(); ++i) {
+    if (tokens[i].kind != TokenKind::kOperator) continue;
+    size_t left = PreviousSignificant(tokens, i);
+    size_t right = NextSignificant(tokens, i);
+    if (left == std::string_view::npos || right == tokens.size()) continue;
+    std::optional<std::string_view> column;
+    if (tokens[right].kind == TokenKind::kText) column = ColumnOperand(tokens, left);
+    if (tokens[left].kind == TokenKind::kText) {
+      // The column may be qualified: 'x' = Items.DateStamp.
+      size_t last = right;
+      while (last + 2 < tokens.size() && tokens[last + 1].text == "." &&
+             tokens[last + 2].kind == TokenKind::kWord) {
+        last += 2;
+      }
+      column = ColumnOperand(tokens, last);
+    }
+    if (column && is_date_column(*column)) {
+      throw DatabaseError(error_numbers::kTypeMismatch,
+                          "Data type mismatch in criteria expression.");
+    }
+  }
+}
+
+std::string SqliteDateLiteral(std::string_view literal) {
+  std::optional<Date> date = ParseStatementDate(literal.substr(1, literal.size() - 2));
+  if (!date) {
+    throw DatabaseError(error_numbers::kErrorsInCommand,
+                        "Syntax error in date in query expression '" + std::string(literal) + "'.");
+  }
+  return "'" + IsoDateText(*date) + "'";
+}
+
+}  // namespace
+
+std::vector<Token> Tokenize(std::string_view statement) {
+  std::vector<Token> tokens;
+  while (!statement.empty()) {
+    Token token = NextToken(statement);
+    tokens.push_back(token);
+    statement.remove_prefix(token.text.size());
+  }
+  return tokens;
+}
+
+std::string TranslateAccessForSqlite(std::string_view statement,
+                                     const std::function<bool(std::string_view)>& is_date_column) {
+  std::vector<Token> tokens = Tokenize(statement);
+  RefuseDateComparedWithText(tokens, is_date_column);
+  std::optional<std::string> limit = TakeTopLimit(tokens);
+  std::vector<std::string> replacements(tokens.size());
+  for (size_t i = 0; i < tokens.size(); ++i) {
+    if (tokens[i].kind == TokenKind::kDateLiteral)
+      replacements[i] = SqliteDateLiteral(tokens[i].text);
+  }
+  return Join(tokens, limit, replacements);
+}
+
+std::string TranslateSqlServerForPostgres(std::string_view statement) {
+  std::vector<Token> tokens = Tokenize(statement);
+  std::optional<std::string> limit = TakeTopLimit(tokens);
+  std::vector<std::string> replacements(tokens.size());
+  for (size_t i = 0; i < tokens.size(); ++i) {
+    const Token& token = tokens[i];
+    if (token.kind == TokenKind::kDateLiteral || token.text == "#") {
+      throw DatabaseError(error_numbers::kErrorsInCommand, "syntax error at or near \"#\"");
+    }
+    if (token.kind == TokenKind::kQuotedName && token.text.front() == '[') {
+      replacements[i] = std::string(token.text.substr(1, token.text.size() - 2));
+    }
+  }
+  return Join(tokens, limit, replacements);
+}
+
+}  // namespace tidewell::ado

@@ -1,0 +1,290 @@
+#include "data/postgres_session.h"
+
+#include <libpq-fe.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <limits>
+#include <optional>
+#include <set>
+
+#include "data/database_error.h"
+#include "data/dialect_translation.h"
+#include "data/iso_dates.h"
+
+namespace tidewell::ado {
+namespace {
+
+// Type OIDs of the built-in types the component meets (pg_type.h).
+constexpr Oid kBoolOid = 16, kInt8Oid = 20, kInt2Oid = 21, kInt4Oid = 23;
+constexpr Oid kFloat4Oid = 700, kFloat8Oid = 701, kNumericOid = 1700;
+constexpr Oid kDateOid = 1082, kTimestampOid = 1114, kTimestampTzOid = 1184;
+
+// Settings every session runs with: dates read month first (the SQL Server dialect) and
+// written as ISO text, backslashes in quoted values taken literally.
+constexpr const char* kSessionSetup =
+    "SET DateStyle = 'ISO, MDY'; SET standard_conforming_strings = on; "
+    "SET client_min_messages = warning";
+
+ColumnKind KindOfType(Oid type) {
+  switch (type) {
+    case kBoolOid:
+    case kInt2Oid:
+      return ColumnKind::kBoolean;  // the schema keeps flags, and only flags, in smallint
+    case kInt8Oid:
+    case kInt4Oid:
+      return ColumnKind::kInteger;
+    case kFloat4Oid:
+    case kFloat8Oid:
+    case kNumericOid:
+      return ColumnKind::kFloat;
+    case kDateOid:
+    case kTimestampOid:
+    case kTimestampTzOid:
+      return ColumnKind::kDate;
+    default:
+      return ColumnKind::kText;
+  }
+}
+
+Variant ReadValue(const char* text, Oid type) {
+  switch (KindOfType(type)) {
+    case ColumnKind::kBoolean:
+      return Variant(type == kBoolOid ? text[0] == 't' : std::strtol(text, nullptr, 10) != 0);
+    case ColumnKind::kInteger: {
+      long long value = std::strtoll(text, nullptr, 10);
+      if (value >= std::numeric_limits<int32_t>::min() &&
+          value <= std::numeric_limits<int32_t>::max()) {
+        return Variant(static_cast<long>(value));
+      }
+      return Variant(static_cast<double>(value));
+    }
+    case ColumnKind::kFloat:
+      return Variant(std::strtod(text, nullptr));
+    case ColumnKind::kDate:
+      if (std::optional<Date> date = ParseIsoDate(text)) return Variant(*date);
+      return Variant(text);
+    default:
+      return Variant(text);
+  }
+}
+
+std::optional<std::string> ParameterText(const Variant& value) {
+  switch (value.type()) {
+    case Variant::Type::kEmpty:
+    case Variant::Type::kNull:
+      return std::nullopt;
+    // SQL Server kept true as 1, and the SQL Server dialect compares flags with 1.
+    case Variant::Type::kBoolean:
+      return value.AsBoolean() ? "1" : "0";
+    case Variant::Type::kLong:
+      return std::to_string(value.AsLong());
+    case Variant::Type::kDouble: {
+      char text[40];
+      std::snprintf(text, sizeof text, "%.17g", value.AsDouble());
+      return text;
+    }
+    case Variant::Type::kString:
+      return value.AsString();
+    case Variant::Type::kDate:
+      return IsoDateText(value.AsDate());
+  }
+  return std::nullopt;
+}
+
+long ErrorNumberOf(std::string_view sqlstate) {
+  if (sqlstate.starts_with("42")) return error_numbers::kErrorsInCommand;
+  if (sqlstate.starts_with("22")) return error_numbers::kTypeMismatch;
+  if (sqlstate.starts_with("23")) return error_numbers::kIntegrityViolation;
+  return error_numbers::kFail;
+}
+
+// libpq's message on one line, without the socket path or host it begins with and without
+// the severity: "Connection refused. Is the server running on that host and accepting TCP/IP
+// connections?"
+std::string ConnectionFailureText(PGconn* conn) {
+  std::string text = conn ? PQerrorMessage(conn) : "out of memory";
+  if (text.starts_with("connection to server")) {
+    size_t failed = text.find("failed: ");
+    if (failed != std::string::npos) text = text.substr(failed + 8);
+  }
+  std::string line;
+  size_t start = 0;
+  while (start < text.size()) {
+    size_t end = text.find('\n', start);
+    if (end == std::string::npos) end = text.size();
+    std::string part = text.substr(start, end - start);
+    start = end + 1;
+    part.erase(0, part.find_first_not_of(" \t"));
+    for (const char* severity : {"FATAL:", "ERROR:"}) {
+      if (part.starts_with(severity))
+        part.erase(0, part.find_first_not_of(' ', std::string(severity).size()));
+    }
+    if (part.empty()) continue;
+    if (!line.empty())
+      line += std::string(".?!:").find(line.back()) == std::string::npos ? ". " : " ";
+    line += part;
+  }
+  return line;
+}
+
+struct ResultDeleter {
+  void operator()(PGresult* result) const { PQclear(result); }
+};
+using Result = std::unique_ptr<PGresult, ResultDeleter>;
+
+class PostgresSession : public Session {
+ public:
+  explicit PostgresSession(PGconn* conn) : conn_(conn) {}
+  ~PostgresSession() override { PQfinish(conn_); }
+
+  Rows Run(std::string_view statement) override {
+    return Execute(TranslateSqlServerForPostgres(statement), {});
+  }
+
+  Rows RunBound(std::string_view native_text, const std::vector<Variant>& values) override {
+    return Execute(std::string(native_text), values);
+  }
+
+  std::string Parameter(int n) const override { return "$" + std::to_string(n); }
+
+  std::vector<std::string> KeyColumns(std::string_view table) override {
+    Rows rows = RunBound(
+        "SELECT a.attname::text FROM pg_index AS i JOIN pg_attribute AS a "
+        "ON a.attrelid = i.indrelid AND a.attnum = ANY(i.indkey) "
+        "WHERE i.indrelid = to_regclass($1) AND i.indisprimary ORDER BY a.attnum",
+        {Variant(table)});
+    std::vector<std::string> keys;
+    for (const auto& row : rows.values) keys.push_back(row[0].AsString());
+    return keys;
+  }
+
+  bool TableExists(std::string_view table) override {
+    Rows rows = RunBound("SELECT to_regclass($1) IS NOT NULL", {Variant(table)});
+    return rows.values.at(0).at(0).AsBoolean();
+  }
+
+  bool Reusable() const override {
+    return PQstatus(conn_) == CONNECTION_OK && PQtransactionStatus(conn_) == PQTRANS_IDLE;
+  }
+
+ private:
+  Rows Execute(const std::string& text, const std::vector<Variant>& values) {
+    std::vector<std::optional<std::string>> texts;
+    for (const Variant& value : values) texts.push_back(ParameterText(value));
+    std::vector<const char*> pointers;
+    for (const auto& t : texts) pointers.push_back(t ? t->c_str() : nullptr);
+    Result result(PQexecParams(conn_, text.c_str(), static_cast<int>(pointers.size()), nullptr,
+                               pointers.data(), nullptr, nullptr, 0));
+    ExecStatusType status = result ? PQresultStatus(result.get()) : PGRES_FATAL_ERROR;
+    if (status != PGRES_TUPLES_OK && status != PGRES_COMMAND_OK) RaiseError(result.get());
+    return ReadRows(result.get());
+  }
+
+  [[noreturn]] void RaiseError(const PGresult* result) {
+    const char* sqlstate = result ? PQresultErrorField(result, PG_DIAG_SQLSTATE) : nullptr;
+    const char* message = result ? PQresultErrorField(result, PG_DIAG_MESSAGE_PRIMARY) : nullptr;
+    if (PQstatus(conn_) != CONNECTION_OK || message == nullptr) {
+      throw DatabaseError(error_numbers::kFail, ConnectionFailureText(conn_));
+    }
+    throw DatabaseError(ErrorNumberOf(sqlstate ? sqlstate : ""), message);
+  }
+
+  static Rows ReadRows(const PGresult* result) {
+    Rows rows;
+    int columns = PQnfields(result);
+    for (int c = 0; c < columns; ++c) {
+      rows.names.emplace_back(PQfname(result, c));
+      rows.kinds.push_back(KindOfType(PQftype(result, c)));
+    }
+    for (int r = 0; r < PQntuples(result); ++r) {
+      std::vector<Variant>& row = rows.values.emplace_back();
+      for (int c = 0; c < columns; ++c) {
+        row.push_back(PQgetisnull(result, r, c)
+                          ? Variant(Null{})
+                          : ReadValue(PQgetvalue(result, r, c), PQftype(result, c)));
+      }
+    }
+    rows.affected = std::atol(PQcmdTuples(const_cast<PGresult*>(result)));
+    return rows;
+  }
+
+  PGconn* conn_;
+};
+
+// The keywords libpq understands; anything else in the connection string is a mistake in it.
+bool IsLibpqKeyword(const std::string& key) {
+  static const std::set<std::string> keywords = [] {
+    std::set<std::string> names;
+    PQconninfoOption* options = PQconndefaults();
+    for (PQconninfoOption* o = options; o && o->keyword; ++o) names.insert(o->keyword);
+    PQconninfoFree(options);
+    return names;
+  }();
+  return keywords.contains(key);
+}
+
+[[noreturn]] void RaiseUnreadable(const std::string& reason) {
+  throw DatabaseError(error_numbers::kInvalidArgument, reason);
+}
+
+// libpq's keyword and value lists for the settings, with our defaults where none is given.
+void CollectSettings(const ConnectionSettings& settings, std::vector<std::string>& keys,
+                     std::vector<std::string>& values) {
+  if (!settings.uri.empty()) {
+    char* error = nullptr;
+    PQconninfoOption* parsed = PQconninfoParse(settings.uri.c_str(), &error);
+    if (parsed == nullptr) {
+      std::string reason = error ? error : "the URI cannot be read";
+      PQfreemem(error);
+      while (!reason.empty() && (reason.back() == '\n' || reason.back() == ' ')) reason.pop_back();
+      RaiseUnreadable(reason);
+    }
+    PQconninfoFree(parsed);
+    keys.push_back("dbname");  // expanded by libpq: a URI stands in the dbname setting
+    values.push_back(settings.uri);
+  }
+  for (const auto& [key, value] : settings.settings) {
+    if (!IsLibpqKeyword(key)) RaiseUnreadable("invalid connection option \"" + key + "\"");
+    keys.push_back(key);
+    values.push_back(value);
+  }
+  auto add_default = [&](const char* key, const char* value) {
+    if (!settings.Get(key)) {
+      keys.push_back(key);
+      values.push_back(value);
+    }
+  };
+  add_default("connect_timeout", "10");
+  add_default("client_encoding", "UTF8");
+  add_default("application_name", "tidewell");
+}
+
+}  // namespace
+
+std::unique_ptr<Session> OpenPostgresSession(const ConnectionSettings& settings) {
+  std::vector<std::string> keys, values;
+  CollectSettings(settings, keys, values);
+  std::vector<const char*> key_pointers, value_pointers;
+  for (size_t i = 0; i < keys.size(); ++i) {
+    key_pointers.push_back(keys[i].c_str());
+    value_pointers.push_back(values[i].c_str());
+  }
+  key_pointers.push_back(nullptr);
+  value_pointers.push_back(nullptr);
+  PGconn* conn = PQconnectdbParams(key_pointers.data(), value_pointers.data(), /*expand_dbname=*/1);
+  if (conn == nullptr || PQstatus(conn) != CONNECTION_OK) {
+    std::string text = ConnectionFailureText(conn);
+    PQfinish(conn);
+    throw DatabaseError(error_numbers::kFail, text);
+  }
+  Result setup(PQexec(conn, kSessionSetup));
+  if (!setup || PQresultStatus(setup.get()) != PGRES_COMMAND_OK) {
+    std::string text = ConnectionFailureText(conn);
+    PQfinish(conn);
+    throw DatabaseError(error_numbers::kFail, text);
+  }
+  return std::make_unique<PostgresSession>(conn);
+}
+
+}  // namespace tidewell::ado

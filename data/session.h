@@ -1,0 +1,70 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "data/connection_string.h"
+#include "runtime/variant.h"
+
+namespace tidewell::ado {
+
+// What a column holds, as far as reading and writing values cares.
+enum class ColumnKind { kOther, kText, kInteger, kFloat, kBoolean, kDate };
+
+// A statement's answer: its columns and, fully read, its rows; and how many rows a write
+// touched.
+struct Rows {
+  std::vector<std::string> names;
+  std::vector<ColumnKind> kinds;
+  std::vector<std::vector<Variant>> values;
+  long affected = 0;
+};
+
+// One open conversation with a database engine: what a provider offers the Connection and
+// Recordset. Sessions outlive requests in a pool (see AcquireSession); one thread uses a
+// session at a time. Every failure is a DatabaseError with the engine's own message.
+class Session {
+ public:
+  virtual ~Session() = default;
+
+  // Runs one statement written in the provider's dialect: the provider rewrites what its
+  // engine spells differently (TOP, date literals) and reads every row.
+  virtual Rows Run(std::string_view statement) = 0;
+
+  // Runs text in the engine's own language with bound values; value n (from 1) stands where
+  // Parameter(n) is written. The Recordset writes rows back with it.
+  virtual Rows RunBound(std::string_view native_text, const std::vector<Variant>& values) = 0;
+  virtual std::string Parameter(int n) const = 0;
+
+  // The columns of the table's primary key, in key order ({} for an unknown table).
+  virtual std::vector<std::string> KeyColumns(std::string_view table) = 0;
+  virtual bool TableExists(std::string_view table) = 0;
+
+  // False once the link to the engine broke: the pool then drops the session.
+  virtual bool Reusable() const { return true; }
+};
+
+// Opens a new session for the settings; throws DatabaseError when the engine refuses.
+using SessionFactory = std::function<std::unique_ptr<Session>(const ConnectionSettings&)>;
+
+// Makes a provider available under `name` (matched without regard to case). SQLite and
+// PostgreSQL are built in; tests add engine doubles.
+void RegisterProvider(const std::string& name, SessionFactory factory);
+
+// A session for the connection string: an idle one from the string's pool when there is one,
+// otherwise a new one from the provider the string names. `provider` receives the provider's
+// registered name. Throws DatabaseError.
+std::unique_ptr<Session> AcquireSession(const std::string& connection_string,
+                                        std::string* provider);
+
+// Gives a session back to the connection string's pool (or closes it when the pool is full or
+// the session is no longer reusable).
+void ReleaseSession(const std::string& connection_string, std::unique_ptr<Session> session);
+
+// Closes every idle pooled session, e.g. before a database is dropped or at shutdown.
+void ClosePooledSessions();
+
+}  // namespace tidewell::ado

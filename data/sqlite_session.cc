@@ -1,0 +1,359 @@
+#include "data/sqlite_session.h"
+
+#include <sqlite3.h>
+#include <sys/stat.h>
+
+#include <cctype>
+#include <cerrno>
+#include <cstring>
+#include <limits>
+#include <list>
+#include <map>
+#include <optional>
+#include <unordered_map>
+
+#include "data/database_error.h"
+#include "data/dialect_translation.h"
+#include "data/iso_dates.h"
+
+namespace tidewell::ado {
+namespace {
+
+constexpr int kBusyTimeoutMs = 10000;
+constexpr size_t kStatementCacheSize = 64;
+
+bool FileExists(const std::string& path) {
+  struct stat info;
+  return ::stat(path.c_str(), &info) == 0;
+}
+
+// "unable to open database file (Permission denied)": the engine's message and, where the
+// operating system gave one, its reason. Never the path: the text may reach a page.
+std::string OpenFailureText(sqlite3* db) {
+  std::string text = db ? sqlite3_errmsg(db) : "out of memory";
+  int system_error = db ? sqlite3_system_errno(db) : 0;
+  if (system_error != 0) text += std::string(" (") + std::strerror(system_error) + ")";
+  return text;
+}
+
+long ErrorNumberOf(int code) {
+  switch (code & 0xff) {
+    case SQLITE_ERROR:
+      return error_numbers::kErrorsInCommand;
+    case SQLITE_MISMATCH:
+      return error_numbers::kTypeMismatch;
+    case SQLITE_CONSTRAINT:
+      return error_numbers::kIntegrityViolation;
+    default:
+      return error_numbers::kFail;
+  }
+}
+
+ColumnKind KindOfDeclaredType(const char* declared) {
+  if (declared == nullptr) return ColumnKind::kOther;
+  std::string type;
+  for (const char* c = declared; *c; ++c) type += static_cast<char>(std::toupper(*c));
+  if (type.find("BOOL") != std::string::npos) return ColumnKind::kBoolean;
+  if (type.find("DATE") != std::string::npos || type.find("TIME") != std::string::npos) {
+    return ColumnKind::kDate;
+  }
+  if (type.find("INT") != std::string::npos) return ColumnKind::kInteger;
+  if (type.find("CHAR") != std::string::npos || type.find("TEXT") != std::string::npos ||
+      type.find("CLOB") != std::string::npos) {
+    return ColumnKind::kText;
+  }
+  if (type.find("REAL") != std::string::npos || type.find("FLOA") != std::string::npos ||
+      type.find("DOUB") != std::string::npos) {
+    return ColumnKind::kFloat;
+  }
+  return ColumnKind::kOther;
+}
+
+Variant IntegerVariant(sqlite3_int64 value) {
+  if (value >= std::numeric_limits<int32_t>::min() &&
+      value <= std::numeric_limits<int32_t>::max()) {
+    return Variant(static_cast<long>(value));
+  }
+  return Variant(static_cast<double>(value));
+}
+
+Variant ReadColumn(sqlite3_stmt* stmt, int column, ColumnKind kind) {
+  int type = sqlite3_column_type(stmt, column);
+  if (type == SQLITE_NULL) return Variant(Null{});
+  if (kind == ColumnKind::kBoolean) return Variant(sqlite3_column_int64(stmt, column) != 0);
+  if (type == SQLITE_INTEGER) return IntegerVariant(sqlite3_column_int64(stmt, column));
+  if (type == SQLITE_FLOAT) return Variant(sqlite3_column_double(stmt, column));
+  const char* bytes = reinterpret_cast<const char*>(sqlite3_column_text(stmt, column));
+  std::string text(bytes ? bytes : "", static_cast<size_t>(sqlite3_column_bytes(stmt, column)));
+  if (kind == ColumnKind::kDate) {
+    if (std::optional<Date> date = ParseIsoDate(text)) return Variant(*date);
+  }
+  return Variant(std::move(text));
+}
+
+// The file a session has open, to notice when the path names another file (or none) by the
+// time the session would go back to the pool.
+struct FileIdentity {
+  dev_t device = 0;
+  ino_t inode = 0;
+  bool operator==(const FileIdentity&) const = default;
+};
+
+std::optional<FileIdentity> IdentityOf(const std::string& path) {
+  struct stat info;
+  if (::stat(path.c_str(), &info) != 0) return std::nullopt;
+  return FileIdentity{info.st_dev, info.st_ino};
+}
+
+class SqliteSession : public Session {
+ public:
+  SqliteSession(sqlite3* db, std::string path) : db_(db), path_(std::move(path)) {
+    if (path_ != ":memory:") file_ = IdentityOf(path_);
+  }
+  ~SqliteSession() override {
+    for (auto& [text, stmt] : statements_) sqlite3_finalize(stmt);
+    sqlite3_close_v2(db_);
+  }
+
+  Rows Run(std::string_view statement) override {
+    std::string text = TranslateAccessForSqlite(
+        statement, [this](std::string_view column) { return IsDateColumn(column); });
+    return Step(Prepared(text), {});
+  }
+
+  Rows RunBound(std::string_view native_text, const std::vector<Variant>& values) override {
+    return Step(Prepared(std::string(native_text)), values);
+  }
+
+  std::string Parameter(int n) const override { return "?" + std::to_string(n); }
+
+  // A session inside a transaction, or on a file that was removed or replaced since the
+  // session opened it, is not served again.
+  bool Reusable() const override {
+    if (sqlite3_get_autocommit(db_) == 0) return false;
+    return !file_ || IdentityOf(path_) == file_;
+  }
+
+  std::vector<std::string> KeyColumns(std::string_view table) override {
+    Rows rows = RunBound("SELECT name FROM pragma_table_info(?1) WHERE pk > 0 ORDER BY pk",
+                         {Variant(table)});
+    std::vector<std::string> keys;
+    for (const auto& row : rows.values) keys.push_back(row[0].AsString());
+    return keys;
+  }
+
+  bool TableExists(std::string_view table) override {
+    return !RunBound(
+                "SELECT 1 FROM sqlite_master WHERE type = 'table' AND name = ?1 COLLATE NOCASE",
+                {Variant(table)})
+                .values.empty();
+  }
+
+ private:
+  [[noreturn]] void RaiseEngineError(int code) {
+    throw DatabaseError(ErrorNumberOf(code), sqlite3_errmsg(db_));
+  }
+
+  // A prepared statement for the text: from the cache, or prepared now and cached.
+  sqlite3_stmt* Prepared(const std::string& text) {
+    if (auto found = statements_.find(text); found != statements_.end()) {
+      recent_.splice(recent_.begin(), recent_, positions_[text]);
+      return found->second;
+    }
+    sqlite3_stmt* stmt = nullptr;
+    const char* tail = nullptr;
+    int code = sqlite3_prepare_v3(db_, text.c_str(), static_cast<int>(text.size()),
+                                  SQLITE_PREPARE_PERSISTENT, &stmt, &tail);
+    if (code != SQLITE_OK) RaiseEngineError(code);
+    if (stmt == nullptr) {
+      throw DatabaseError(error_numbers::kErrorsInCommand, "The statement is empty.");
+    }
+    if (tail != nullptr &&
+        std::string_view(tail).find_first_not_of(" \t\r\n;") != std::string_view::npos) {
+      sqlite3_finalize(stmt);
+      throw DatabaseError(error_numbers::kErrorsInCommand,
+                          "Characters found after end of SQL statement.");
+    }
+    Remember(text, stmt);
+    return stmt;
+  }
+
+  void Remember(const std::string& text, sqlite3_stmt* stmt) {
+    if (statements_.size() >= kStatementCacheSize) {
+      const std::string& oldest = recent_.back();
+      sqlite3_finalize(statements_[oldest]);
+      statements_.erase(oldest);
+      positions_.erase(oldest);
+      recent_.pop_back();
+    }
+    statements_[text] = stmt;
+    recent_.push_front(text);
+    positions_[text] = recent_.begin();
+  }
+
+  void Bind(sqlite3_stmt* stmt, int index, const Variant& value) {
+    int code = SQLITE_OK;
+    switch (value.type()) {
+      case Variant::Type::kEmpty:
+      case Variant::Type::kNull:
+        code = sqlite3_bind_null(stmt, index);
+        break;
+      // Jet kept true as -1, and the Access dialect compares flags with -1.
+      case Variant::Type::kBoolean:
+        code = sqlite3_bind_int(stmt, index, value.AsBoolean() ? -1 : 0);
+        break;
+      case Variant::Type::kLong:
+        code = sqlite3_bind_int64(stmt, index, value.AsLong());
+        break;
+      case Variant::Type::kDouble:
+        code = sqlite3_bind_double(stmt, index, value.AsDouble());
+        break;
+      case Variant::Type::kString:
+        code = sqlite3_bind_text(stmt, index, value.AsString().data(),
+                                 static_cast<int>(value.AsString().size()), SQLITE_TRANSIENT);
+        break;
+      case Variant::Type::kDate: {
+        std::string text = IsoDateText(value.AsDate());
+        code = sqlite3_bind_text(stmt, index, text.data(), static_cast<int>(text.size()),
+                                 SQLITE_TRANSIENT);
+        break;
+      }
+    }
+    if (code != SQLITE_OK) RaiseEngineError(code);
+  }
+
+  Rows Step(sqlite3_stmt* stmt, const std::vector<Variant>& values) {
+    struct ResetOnExit {
+      sqlite3_stmt* stmt;
+      ~ResetOnExit() {
+        sqlite3_reset(stmt);
+        sqlite3_clear_bindings(stmt);
+      }
+    } reset{stmt};
+    for (size_t i = 0; i < values.size(); ++i) Bind(stmt, static_cast<int>(i + 1), values[i]);
+    Rows rows;
+    int columns = sqlite3_column_count(stmt);
+    for (int c = 0; c < columns; ++c) {
+      rows.names.emplace_back(sqlite3_column_name(stmt, c));
+      rows.kinds.push_back(KindOfDeclaredType(sqlite3_column_decltype(stmt, c)));
+    }
+    int code;
+    while ((code = sqlite3_step(stmt)) == SQLITE_ROW) {
+      std::vector<Variant>& row = rows.values.emplace_back();
+      for (int c = 0; c < columns; ++c) row.push_back(ReadColumn(stmt, c, rows.kinds[c]));
+    }
+    if (code != SQLITE_DONE) RaiseEngineError(sqlite3_extended_errcode(db_));
+    if (!sqlite3_stmt_readonly(stmt)) rows.affected = static_cast<long>(sqlite3_changes(db_));
+    return rows;
+  }
+
+  // Whether a column of that name is declared as a date in any table. The answer comes from
+  // the schema as last read; a name it does not know sends the session back to the schema
+  // when that changed since (another session may have created the tables).
+  bool IsDateColumn(std::string_view column) {
+    std::string key = Lower(column);
+    if (!date_columns_.contains(key) && SchemaVersion() != schema_version_) LoadColumnKinds();
+    auto found = date_columns_.find(key);
+    return found != date_columns_.end() && found->second;
+  }
+
+  long SchemaVersion() { return RunBound("PRAGMA schema_version", {}).values.at(0).at(0).AsLong(); }
+
+  void LoadColumnKinds() {
+    schema_version_ = SchemaVersion();
+    date_columns_.clear();
+    Rows rows = RunBound(
+        "SELECT p.name, p.type FROM sqlite_master AS m, pragma_table_info(m.name) AS p "
+        "WHERE m.type = 'table'",
+        {});
+    for (const auto& row : rows.values) {
+      std::string type = row[1].IsNull() ? "" : row[1].AsString();
+      bool is_date = KindOfDeclaredType(type.c_str()) == ColumnKind::kDate;
+      date_columns_[Lower(row[0].AsString())] |= is_date;
+    }
+  }
+
+  static std::string Lower(std::string_view text) {
+    std::string lower(text);
+    for (char& c : lower) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    return lower;
+  }
+
+  sqlite3* db_;
+  std::string path_;
+  std::optional<FileIdentity> file_;
+  std::unordered_map<std::string, sqlite3_stmt*> statements_;
+  std::list<std::string> recent_;  // most recently used first
+  std::unordered_map<std::string, std::list<std::string>::iterator> positions_;
+  std::map<std::string, bool> date_columns_;
+  long schema_version_ = -1;
+};
+
+[[noreturn]] void RaiseOpenFailure(sqlite3* db, const std::string& text) {
+  sqlite3_close_v2(db);
+  throw DatabaseError(error_numbers::kFail, text);
+}
+
+// Settings every session runs with; then a read, because SQLite opens files lazily and a
+// file that is no database, or a folder where the journal cannot be written, shows only then.
+void PrepareSession(sqlite3* db) {
+  sqlite3_busy_timeout(db, kBusyTimeoutMs);
+  sqlite3_extended_result_codes(db, 1);
+  const char* setup =
+      "PRAGMA journal_mode = WAL;"
+      "SELECT count(*) FROM sqlite_master;";
+  if (sqlite3_exec(db, setup, nullptr, nullptr, nullptr) != SQLITE_OK) {
+    RaiseOpenFailure(db, OpenFailureText(db));
+  }
+  if (sqlite3_db_readonly(db, "main") == 1) {
+    RaiseOpenFailure(db,
+                     "The database file is read-only: the server needs write access to it "
+                     "and to its folder.");
+  }
+}
+
+}  // namespace
+
+std::string SqliteDataSource(const ConnectionSettings& settings) {
+  std::optional<std::string> path = settings.Get("Data Source");
+  if (!path) path = settings.Get("DataSource");
+  if (!path || path->empty()) {
+    throw DatabaseError(error_numbers::kInvalidArgument,
+                        "The connection string names no Data Source for the SQLite provider.");
+  }
+  return *path;
+}
+
+std::unique_ptr<Session> OpenSqliteSession(const ConnectionSettings& settings) {
+  std::string path = SqliteDataSource(settings);
+  bool in_memory = path == ":memory:";
+  if (!in_memory && !FileExists(path)) {
+    throw DatabaseError(error_numbers::kFail,
+                        "Could not find the database file named in the connection string.");
+  }
+  sqlite3* db = nullptr;
+  int code =
+      sqlite3_open_v2(path.c_str(), &db, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
+  if (code != SQLITE_OK) RaiseOpenFailure(db, OpenFailureText(db));
+  PrepareSession(db);
+  return std::make_unique<SqliteSession>(db, path);
+}
+
+void CreateSqliteDatabaseFile(const std::string& path) {
+  sqlite3* db = nullptr;
+  int code = sqlite3_open_v2(
+      path.c_str(), &db, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr);
+  // SQLite creates the file at the first write; WAL mode is such a write and is wanted anyway.
+  if (code == SQLITE_OK)
+    code = sqlite3_exec(db, "PRAGMA journal_mode = WAL;", nullptr, nullptr, nullptr);
+  if (code != SQLITE_OK) {
+    std::string reason =
+        std::strerror(db && sqlite3_system_errno(db) ? sqlite3_system_errno(db) : EIO);
+    sqlite3_close_v2(db);
+    throw DatabaseError(error_numbers::kFail,
+                        "Could not create the database file " + path + ": " + reason);
+  }
+  sqlite3_close_v2(db);
+}
+
+}  // namespace tidewell::ado
