@@ -8,6 +8,7 @@
 #include <charconv>
 #include <cmath>
 #include <stdexcept>
+#include <vector>
 
 #include "runtime/clock.h"
 #include "runtime/dates.h"
@@ -36,14 +37,18 @@ bool IsLowerHex(std::string_view s) {
   return true;
 }
 
+std::string RandomHex(size_t bytes_wanted) {
+  std::vector<unsigned char> bytes(bytes_wanted);
+  if (RAND_bytes(bytes.data(), static_cast<int>(bytes.size())) != 1) {
+    throw std::runtime_error("no random bytes to be had");
+  }
+  return Hex(bytes.data(), bytes.size());
+}
+
 // A host that configures no secret still must not sign with an empty one: such links then hold
 // for this process only.
 const std::string& ProcessSecret() {
-  static const std::string secret = [] {
-    unsigned char bytes[32];
-    if (RAND_bytes(bytes, sizeof bytes) != 1) throw std::runtime_error("no random bytes to be had");
-    return Hex(bytes, sizeof bytes);
-  }();
+  static const std::string secret = RandomHex(32);
   return secret;
 }
 
@@ -65,9 +70,11 @@ long long UnixNow() {
 }
 
 std::string GenerateOwnerKey() {
-  unsigned char bytes[kKeyDigits / 2];
-  if (RAND_bytes(bytes, sizeof bytes) != 1) throw std::runtime_error("no random bytes to be had");
-  return Hex(bytes, sizeof bytes);
+  return RandomHex(kKeyDigits / 2);
+}
+
+std::string GenerateLinkSecret() {
+  return RandomHex(32);
 }
 
 bool IsOwnerKey(std::string_view key) {

@@ -18,6 +18,9 @@ struct LinkSigning {
 // A fresh OwnerKey from the operating system's random source.
 std::string GenerateOwnerKey();
 
+// A fresh signing secret: 64 hex digits from the operating system's random source.
+std::string GenerateLinkSecret();
+
 // True for text of the form GenerateOwnerKey makes.
 bool IsOwnerKey(std::string_view key);
 

@@ -153,6 +153,14 @@ class ConfigReader {
 
 }  // namespace
 
+std::string PageConfig::PropertyValue(std::string_view name) const {
+  std::string value;
+  for (const PropertySetting& setting : properties) {
+    if (SameName(setting.name, name)) value = setting.value;
+  }
+  return value;
+}
+
 const PageConfig* SiteConfig::FindPage(std::string_view path) const {
   for (const PageConfig& page : pages) {
     if (page.path == path) return &page;

@@ -34,6 +34,9 @@ struct PageConfig {
   std::vector<PropertySetting> properties;
   std::string page_template;  // the template's text
   std::optional<AutoLoginSetting> auto_login;
+
+  // The last value the page gives the property (names without regard to case), or "".
+  std::string PropertyValue(std::string_view name) const;
 };
 
 struct SiteConfig {

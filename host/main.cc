@@ -6,6 +6,7 @@
 #include <string>
 
 #include "component/asp_objects.h"
+#include "data/schema.h"
 #include "host/command_line.h"
 #include "host/component_host.h"
 #include "host/config.h"
@@ -24,6 +25,7 @@ constexpr const char* kUsage =
     "Commands:\n"
     "  serve     run the calendar web server\n"
     "  render    print the HTML the calendar writes for one request\n"
+    "  init-db   create the calendar's tables on an empty database\n"
     "\n"
     "Run 'tidewell COMMAND --help' for a command's options.\n";
 
@@ -51,6 +53,16 @@ constexpr const char* kRenderUsage =
     "  --query TEXT        the query string, e.g. WS=7E367E...\n"
     "  --form NAME=VALUE   a posted form field; repeat for more\n"
     "  --user-agent TEXT   the browser's User-Agent\n";
+
+constexpr const char* kInitDbUsage =
+    "Usage: tidewell init-db (--connection STRING | --config FILE)\n"
+    "\n"
+    "Creates the tables Groups, Users and Items, with their keys and indexes, on an empty\n"
+    "database. Refuses when any of them exists already.\n"
+    "\n"
+    "  --connection STRING  e.g. \"Provider=SQLite;Data Source=var/tidewell.db\" or\n"
+    "                       \"Provider=PostgreSQL;host=db.example;dbname=tidewell\"\n"
+    "  --config FILE        use the ConnectionString of the configuration's page at /\n";
 
 SiteConfig ConfigFrom(const Arguments& args) {
   if (auto path = args.Get("config")) return LoadConfig(*path);
@@ -96,6 +108,19 @@ int RenderCommand(const Arguments& args) {
   return 0;
 }
 
+int InitDbCommand(const Arguments& args) {
+  if (args.Has("help")) return std::fputs(kInitDbUsage, stdout), 0;
+  args.Expect({"connection", "config", "help"});
+  std::optional<std::string> connection = args.Get("connection");
+  if (!connection && args.Has("config")) {
+    connection = ConfigFrom(args).pages.front().PropertyValue("ConnectionString");
+  }
+  if (!connection) throw std::invalid_argument("give --connection STRING or --config FILE");
+  CreateSchema(*connection);
+  std::puts("tidewell init-db: created the tables Groups, Users and Items");
+  return 0;
+}
+
 int Main(int argc, char** argv) {
   std::string command = argc > 1 ? argv[1] : "";
   if (command == "--help" || command == "-h" || command == "help") {
@@ -105,6 +130,7 @@ int Main(int argc, char** argv) {
     CheckClockEnvironment();
     if (command == "serve") return ServeCommand(Arguments(argc, argv, 2));
     if (command == "render") return RenderCommand(Arguments(argc, argv, 2));
+    if (command == "init-db") return InitDbCommand(Arguments(argc, argv, 2));
   } catch (const std::invalid_argument& e) {
     std::fprintf(stderr, "tidewell %s: %s\n", command.c_str(), e.what());
     return 2;

@@ -126,5 +126,46 @@ TEST(ServerStart, BadConfigurationStopsWithTheLine) {
       << server.Log();
 }
 
+// A fresh site: the configured SQLite file and the link secret beside it are made on start.
+TEST(ServerStart, CreatesTheEmbeddedDatabaseAndKeepsASecretBesideIt) {
+  std::filesystem::path folder =
+      std::filesystem::path(::testing::TempDir()) / ("tidewell_fresh_" + std::to_string(getpid()));
+  std::filesystem::create_directories(folder);
+  std::string config = (folder / "tidewell.conf").string();
+  std::ofstream(config) << "ConnectionString = Provider=SQLite;Data Source="
+                        << (folder / "cal.db").string() << "\n";
+  {
+    testing::ServerProcess server(TIDEWELL_BINARY,
+                                  {"serve", "--config", config, "--listen", "127.0.0.1:0"});
+    ASSERT_NE(server.WaitForPort(), 0) << server.Log();
+    EXPECT_TRUE(std::filesystem::exists(folder / "cal.db"));
+    EXPECT_TRUE(std::filesystem::exists(folder / "tidewell-link.secret"));
+    auto perms = std::filesystem::status(folder / "tidewell-link.secret").permissions();
+    EXPECT_EQ(perms & std::filesystem::perms::others_read, std::filesystem::perms::none);
+    httplib::Client client("127.0.0.1", server.WaitForPort());
+    auto res = client.Get("/");
+    ASSERT_TRUE(res);
+    EXPECT_EQ(res->body.find("ErrorScreen"), std::string::npos);
+  }
+  std::filesystem::remove_all(folder);
+}
+
+// A database that cannot be made is logged; the server serves the error screen instead.
+TEST(ServerStart, MissingDatabaseFolderIsLoggedAndShownAsTheErrorScreen) {
+  std::string config = ::testing::TempDir() + "/missing_folder_tidewell.conf";
+  std::ofstream(config)
+      << "ConnectionString = Provider=SQLite;Data Source=/no/such/folder/cal.db\n";
+  testing::ServerProcess server(TIDEWELL_BINARY,
+                                {"serve", "--config", config, "--listen", "127.0.0.1:0"});
+  int port = server.WaitForPort();
+  ASSERT_NE(port, 0) << server.Log();
+  httplib::Client client("127.0.0.1", port);
+  auto res = client.Get("/");
+  ASSERT_TRUE(res);
+  EXPECT_EQ(res->status, 200);
+  EXPECT_NE(res->body.find("<!-- ErrorScreen Start -->"), std::string::npos);
+  EXPECT_NE(server.Log().find("/no/such/folder/cal.db"), std::string::npos) << server.Log();
+}
+
 }  // namespace
 }  // namespace tidewell
