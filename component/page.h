@@ -42,6 +42,24 @@ inline constexpr long kNavigator = 2;
 inline constexpr long kOpera = 3;
 }  // namespace browsers
 
+// The signed-in user's account as LoadCurrentUser read it (accounts/login.h); empty while
+// nobody is signed in. The screens that show or change the account read it from here.
+struct CurrentUser {
+  std::string Username;
+  std::string Password;
+  std::string Initials;
+  long DefaultView = 0;
+  bool Administrator = false;
+  std::string Options;  // Users.Options as stored: "flag+start hour+date+time+12-hour"
+  // Users.Options read back (accounts/user_options.h):
+  bool ShowAllGroupUsers = false;           // the item lists show the whole group
+  bool MayChangeShowAllGroupUsers = false;  // the user may switch it himself
+  long StartHour = 0;
+  bool HighlightTodaysDate = false;
+  bool HighlightTodaysTime = false;
+  bool Show12HourDay = false;
+};
+
 // Everything one request knows: the properties the host page set, the ASP objects, and the
 // state the page driver, the actions and the screens share while the page is built. One Page
 // serves one request; every subsystem receives it explicitly.
@@ -68,6 +86,7 @@ struct Page {
   bool AdminKeyRejected = false;  // the link carried an administrator key that failed the check
   std::string UserBanner;
   long UserGroupId = 0;
+  CurrentUser User;
   long BrowserKind = browsers::kExplorer;
 
   bool ViewSourceMode = false;

@@ -1,9 +1,13 @@
 #include "component/page_driver.h"
 
+#include "accounts/login.h"
 #include "component/link_state.h"
 #include "component/page.h"
 #include "component/screen_dispatch.h"
 #include "data/open_database.h"
+#include "frame/header.h"
+#include "frame/navigation_bar.h"
+#include "frame/view_tabs.h"
 #include "runtime/automation_error.h"
 #include "runtime/clock.h"
 #include "runtime/dates.h"
@@ -35,18 +39,63 @@ void WritePage(Page& page) {
   page.response->Write(page.PageBuffer);
 }
 
+// 9a: on the login screen, the page's AutoLogin account, or else the posted login form. A
+// failed login leaves the key empty and the "LA" notice pending.
+void LogIn(Page& page) {
+  if (page.AutoLoginEnabled) {
+    page.UserKey = LoginUser(page, page.AutoLoginUserName, page.AutoLoginPassword);
+  } else if (!page.FormValue("login").empty()) {
+    page.UserKey = LoginUser(page, page.FormValue("username"), page.FormValue("password"));
+  }
+}
+
+// 9g: the user the key names; without one, the first-administrator form when asked for, else
+// the welcome screen while no administrator exists (the login screen otherwise stays).
+void EstablishUser(Page& page) {
+  if (!page.UserKey.empty()) {
+    LoadCurrentUser(page);
+  } else if (page.RequestValue("welcome") == "y") {
+    page.Screen = screens::kAdministratorOptions;
+    page.NewUserMode = true;
+    page.FirstAdministratorMode = true;
+  } else if (!AdministratorExists(page) && !page.ErrorFlag) {
+    page.Screen = screens::kWelcome;
+  }
+}
+
 // Step 9: at most one posted action, chosen by the screen and the posted fields, then the
-// current user. Each subsystem's action is called from here as it is built: login on screen 6,
-// item updates on screen 4 and for a deletion link, account updates on screens 8 and 7, group
-// updates on screen 10, the search on screen 15.
+// current user. Each subsystem's action is called from here as it is built.
 void RunPostedActions(Page& page) {
-  (void)page;
+  if (page.Screen == screens::kLogin) LogIn(page);
+  // 9b-9f: item updates on screen 4 and for a deletion link, account updates on screens 8
+  // and 7, group updates on screen 10.
+  if (!page.ErrorFlag) EstablishUser(page);
+  // Then the search on screen 15.
+}
+
+void AppendViewTabs(Page& page) {
+  switch (SelectViewTabs(page.Screen, page.ReturnView)) {
+    case ViewTabs::kMonth:
+      return AppendMonthTabs(page);
+    case ViewTabs::kWeek:
+      return AppendWeekTabs(page);
+    case ViewTabs::kDay:
+      return AppendDayTabs(page);
+    case ViewTabs::kTime:
+      return AppendTimeTabs(page);
+    case ViewTabs::kNone:
+      return;
+  }
 }
 
 // Step 10: frame, buttons, navigation, the screen, frame end and view tabs, in page order.
-// The frame pieces come with the page frame; the screens fill the dispatcher's table.
 void AssemblePage(Page& page) {
+  AppendFrameOpening(page);
+  AppendButtonSection(page);
+  AppendNavigationBar(page);
   DispatchScreen(page);
+  AppendFrameEnd(page);
+  AppendViewTabs(page);
 }
 
 }  // namespace

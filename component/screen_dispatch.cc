@@ -1,28 +1,30 @@
 #include "component/screen_dispatch.h"
 
+#include "accounts/login_screen.h"
+#include "accounts/welcome_screen.h"
 #include "data/error_screen.h"
 
 namespace tidewell {
 
 const ScreenTable& Screens() {
   static const ScreenTable table = {
-      nullptr,      // 0 month view
-      nullptr,      // 1 week view
-      nullptr,      // 2 day view
-      nullptr,      // 3 time view
-      nullptr,      // 4 item form
-      nullptr,      // 5 date picker: drawn alone by the driver
-      nullptr,      // 6 login
-      nullptr,      // 7 user options
-      nullptr,      // 8 administrator options
-      nullptr,      // 9 welcome
-      nullptr,      // 10 group options
-      nullptr,      // 11 user help
-      nullptr,      // 12 group help
-      nullptr,      // 13 item help
-      ErrorScreen,  // 14 database error
-      nullptr,      // 15 search
-      nullptr,      // 16 search help
+      nullptr,        // 0 month view
+      nullptr,        // 1 week view
+      nullptr,        // 2 day view
+      nullptr,        // 3 time view
+      nullptr,        // 4 item form
+      nullptr,        // 5 date picker: drawn alone by the driver
+      LoginScreen,    // 6 login
+      nullptr,        // 7 user options
+      nullptr,        // 8 administrator options
+      WelcomeScreen,  // 9 welcome
+      nullptr,        // 10 group options
+      nullptr,        // 11 user help
+      nullptr,        // 12 group help
+      nullptr,        // 13 item help
+      ErrorScreen,    // 14 database error
+      nullptr,        // 15 search
+      nullptr,        // 16 search help
   };
   return table;
 }

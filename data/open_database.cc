@@ -51,11 +51,15 @@ void OpenDatabase(Page& page) {
   try {
     page.Connection->Open(page.props.ConnectionString);
   } catch (const ado::DatabaseError& error) {
-    const bool engine_refused = error.number() == ado::error_numbers::kFail;
-    SetPendingError(page, engine_refused ? "DP" : "DB",
-                    "The following error was presented when trying to connect to the database.",
-                    error);
+    TrapDatabaseError(page, error);
   }
+}
+
+void TrapDatabaseError(Page& page, const ado::DatabaseError& error) {
+  const bool engine_refused = error.number() == ado::error_numbers::kFail;
+  SetPendingError(page, engine_refused ? "DP" : "DB",
+                  "The following error was presented when trying to connect to the database.",
+                  error);
 }
 
 void CloseDatabase(Page& page) {

@@ -17,6 +17,11 @@ void OpenDatabase(Page& page);
 // Closes the request's connection after the page is assembled; failures are ignored.
 void CloseDatabase(Page& page);
 
+// What the request's other reads and writes (the login, the current user, the updates) do
+// with a failed statement: the same pending error as a failed open, with its heading, "DP"
+// for E_FAIL and "DB" otherwise, and Screen 14.
+void TrapDatabaseError(Page& page, const ado::DatabaseError& error);
+
 // What a reader that gathers a screen's data (the item lists) does with a failed statement:
 // ErrorFlag, ErrorKind "DS", the error in ErrorText, Screen 14. The dispatcher then draws the
 // error screen after the part of the screen drawn so far.

@@ -107,7 +107,9 @@ TEST(ViewSource, ReturnsThePageWithoutWritingIt) {
   testing::FakeVisit visit;
   std::string html = visit.Start().ViewSource();
   EXPECT_EQ(visit.response.body(), "");
-  EXPECT_EQ(html, "<div id=ws_vis style=\"display:none\"><div id=ws_pos ></div></div>");
+  EXPECT_EQ(html, visit.component.page().PageBuffer);
+  EXPECT_EQ(html.rfind("<div id=ws_vis style=\"display:none\"><div id=ws_pos >", 0), 0u);
+  EXPECT_EQ(html.substr(html.size() - 12), "</div></div>");
 }
 
 TEST(RunWithinCOM, BindsWithoutResettingDefaults) {

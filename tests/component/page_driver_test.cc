@@ -9,6 +9,7 @@
 #include "runtime/dates.h"
 #include "runtime/regional_settings.h"
 #include "tests/component/fake_request.h"
+#include "tests/component/seeded_database.h"
 
 namespace tidewell {
 namespace {
@@ -17,7 +18,15 @@ using testing::FakeVisit;
 
 class PageDriver : public ::testing::Test {
  protected:
-  void SetUp() override { SetFixedNow(Combine(DateSerial(2026, 11, 21), TimeSerial(14, 5, 0))); }
+  // A database with an administrator, so that a visitor without a key gets the login screen.
+  void SetUp() override {
+    SetFixedNow(Combine(DateSerial(2026, 11, 21), TimeSerial(14, 5, 0)));
+    long crew = database_.AddGroup("Crew");
+    database_.AddUser({.name = "admin", .password = "pw", .group = crew, .administrator = true});
+    bob_ = database_.AddUser({.name = "bob", .password = "pw", .group = crew});
+    visit_.component.SetConnectionString(database_.connection_string());
+    visit_.component.SetLinkSigning(kSigning);
+  }
   void TearDown() override { SetFixedNow(std::nullopt); }
 
   // Shows a page for the link payload and returns the request's state afterwards.
@@ -25,6 +34,12 @@ class PageDriver : public ::testing::Test {
     visit_.Link(payload).Start().ViewSource();
     return visit_.component.page();
   }
+  // Bob's key as a link carries it: signed, so that the screen of the link stands.
+  std::string BobInLink() const { return SignKey(kSigning, bob_); }
+
+  const LinkSigning kSigning{"test secret", 3600};
+  testing::SeededDatabase database_;
+  std::string bob_;
   FakeVisit visit_;
 };
 
@@ -61,33 +76,30 @@ TEST_F(PageDriver, ScreenWithNumericReturnView) {
   EXPECT_EQ(page.ScreenArgument, "");
 }
 
-TEST_F(PageDriver, ScreenWithNumericReturnViewKeepsScreenForWelcome) {
-  visit_.request.QueryString.Add("welcome", "y");
-  const Page& page = ShowLink("~4/2~11/3/2026~9~0~~~~");
+TEST_F(PageDriver, ScreenWithNumericReturnViewAndAValidKey) {
+  const Page& page = ShowLink("~4/2~11/3/2026~9~0~" + BobInLink() + "~~~");
   EXPECT_EQ(page.Screen, 4);
   EXPECT_EQ(page.ReturnView, 2);
 }
 
 TEST_F(PageDriver, ScreenWithTextArgument) {
-  visit_.request.QueryString.Add("welcome", "y");
-  const Page& page = ShowLink("~3/name~11/3/2026~9~0~~~~");
+  const Page& page = ShowLink("~3/name~11/3/2026~9~0~" + BobInLink() + "~~~");
   EXPECT_EQ(page.Screen, 3);
   EXPECT_EQ(page.ReturnView, 3);
   EXPECT_EQ(page.ScreenArgument, "name");
 }
 
 TEST_F(PageDriver, ScreenFieldWithOnePart) {
-  visit_.request.QueryString.Add("welcome", "y");
-  const Page& page = ShowLink("~2~11/3/2026~9~0~~~~");
+  const Page& page = ShowLink("~2~11/3/2026~9~0~" + BobInLink() + "~~~");
   EXPECT_EQ(page.Screen, 2);
   EXPECT_EQ(page.ReturnView, 2);
 }
 
 TEST_F(PageDriver, ScreenFieldWithThreePartsTakesTheFirst) {
-  visit_.request.QueryString.Add("welcome", "y");
-  const Page& page = ShowLink("~4/1/2~11/3/2026~9~0~~~~");
-  EXPECT_EQ(page.Screen, 4);
-  EXPECT_EQ(page.ReturnView, 4);
+  // (Screen 7: a return view of 4 would become 3 in the header.)
+  const Page& page = ShowLink("~7/1/2~11/3/2026~9~0~" + BobInLink() + "~~~");
+  EXPECT_EQ(page.Screen, 7);
+  EXPECT_EQ(page.ReturnView, 7);
   EXPECT_EQ(page.ScreenArgument, "");
 }
 
@@ -168,11 +180,16 @@ TEST_F(PageDriver, KeyThatFailsTheCheckShowsTheLoginScreen) {
 }
 
 TEST_F(PageDriver, SignedKeyPassesTheCheck) {
-  std::string key = GenerateOwnerKey();
-  visit_.component.SetLinkSigning({"test secret", 3600});
-  const Page& page = ShowLink("~2~11/3/2026~9~0~" + SignKey({"test secret", 3600}, key) + "~~~");
-  EXPECT_EQ(page.UserKey, key);
+  const Page& page = ShowLink("~2~11/3/2026~9~0~" + BobInLink() + "~~~");
+  EXPECT_EQ(page.UserKey, bob_);
   EXPECT_EQ(page.Screen, 2);
+}
+
+TEST_F(PageDriver, WelcomeRequestWithoutKeyKeepsTheLinksReturnView) {
+  visit_.request.QueryString.Add("welcome", "y");
+  const Page& page = ShowLink("~4/2~11/3/2026~9~0~~~~");
+  EXPECT_EQ(page.ReturnView, 2);
+  EXPECT_EQ(page.Screen, screens::kAdministratorOptions);  // the first-administrator form
 }
 
 TEST_F(PageDriver, ForgedAdministratorKeyIsDroppedAndRemembered) {
@@ -198,15 +215,19 @@ TEST_F(PageDriver, VisibleFalseHidesTheWholePage) {
 TEST_F(PageDriver, VisibleTrueShowsThePage) {
   visit_.Start().SetVisible(true);
   std::string html = visit_.component.ViewSource();
-  EXPECT_EQ(html, "<div id=ws_vis ><div id=ws_pos ></div></div>");
+  EXPECT_EQ(html.rfind("<div id=ws_vis ><div id=ws_pos ><!-- Outer Table Start -->", 0), 0u);
+  EXPECT_EQ(html.substr(html.size() - 36), "<!-- Outer Table End --></div></div>");
 }
 
 TEST_F(PageDriver, PositionStylesTheInnerDiv) {
   visit_.Start().SetVisible(true);
   visit_.component.SetPosition("position:absolute;top:10px");
   std::string html = visit_.component.ViewSource();
-  EXPECT_EQ(html,
-            "<div id=ws_vis ><div id=ws_pos style=\"position:absolute;top:10px\"></div></div>");
+  EXPECT_EQ(html.rfind("<div id=ws_vis ><div id=ws_pos style=\"position:absolute;top:10px\">"
+                       "<!-- Outer Table Start -->",
+                       0),
+            0u);
+  EXPECT_EQ(html.substr(html.size() - 12), "</div></div>");
 }
 
 TEST_F(PageDriver, UserBannerStartsAsNonBreakingSpace) {

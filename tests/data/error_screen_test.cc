@@ -44,6 +44,24 @@ TEST(CloseDatabase, WithoutAConnectionDoesNothing) {
   EXPECT_NO_THROW(CloseDatabase(page));
 }
 
+TEST(TrapDatabaseError, ReportsAFailedStatementAsTheOpenerDoes) {
+  Page page;
+  page.Screen = screens::kLogin;
+  TrapDatabaseError(page, DatabaseError(error_numbers::kErrorsInCommand, "no such table: Users"));
+  EXPECT_TRUE(page.ErrorFlag);
+  EXPECT_EQ(page.ErrorKind, "DB");
+  EXPECT_EQ(page.Screen, screens::kErrorScreen);
+  EXPECT_EQ(page.ErrorText,
+            "<font color=#b22222><b>The following error was presented when trying to connect to "
+            "the database.</b></font><br><br>Error Number: -2147217900<br>no such table: Users");
+}
+
+TEST(TrapDatabaseError, EFailIsADPError) {
+  Page page;
+  TrapDatabaseError(page, DatabaseError(error_numbers::kFail, "database is locked"));
+  EXPECT_EQ(page.ErrorKind, "DP");
+}
+
 TEST(TrapListError, SetsTheDSErrorAndTheErrorScreen) {
   Page page;
   page.Screen = screens::kMonthView;

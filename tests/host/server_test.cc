@@ -20,7 +20,9 @@ class Server : public ::testing::Test {
     std::filesystem::create_directories(folder_);
     config_ = (folder_ / "tidewell.conf").string();
     std::ofstream(config_) << "Visible = True\nImagePath = images/\n"
-                              "ConnectionString = Provider=SQLite;Data Source=:memory:\n"
+                              "ConnectionString = Provider=SQLite;Data Source="
+                           << (folder_ / "cal.db").string()
+                           << "\n"
                               "LinkSecret = server-test-secret-0123456789\n"
                               "[page /cal/default.asp]\nTidewellColor = #000000\n";
     server_ = std::make_unique<testing::ServerProcess>(
@@ -51,7 +53,10 @@ TEST_F(Server, AnswersThePageInsideTheTemplate) {
   EXPECT_EQ(res->get_header_value("Content-Type"), "text/html; charset=utf-8");
   EXPECT_NE(res->body.find("<link rel=\"stylesheet\" type=\"text/css\" href=\"tidewell.css\">"),
             std::string::npos);
-  EXPECT_NE(res->body.find("<div id=ws_vis ><div id=ws_pos ></div></div>"), std::string::npos);
+  EXPECT_NE(res->body.find("<div id=ws_vis ><div id=ws_pos ><!-- Outer Table Start -->"),
+            std::string::npos);
+  EXPECT_NE(res->body.find("<!-- WelcomeScreen  Start -->"), std::string::npos);  // a fresh site
+  EXPECT_NE(res->body.find("<!-- Outer Table End --></div></div>"), std::string::npos);
 }
 
 TEST_F(Server, ServesConfiguredPagePaths) {

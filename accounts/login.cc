@@ -1,0 +1,165 @@
+#include "accounts/login.h"
+
+#include "accounts/user_options.h"
+#include "component/page.h"
+#include "data/open_database.h"
+#include "data/recordset.h"
+#include "data/statement.h"
+#include "frame/markup.h"
+#include "runtime/conversions.h"
+
+namespace tidewell {
+namespace {
+
+using ado::Recordset;
+using ado::Statement;
+
+constexpr const char* kInvalidLogin =
+    "<font color=#b22222><b>The Username and/or Password you have entered is "
+    "invalid.</b></font><br><br>";
+
+Statement LoginStatement(std::string_view name, std::string_view password) {
+  return Statement("SELECT OwnerKey, DefaultView, Initials, Options FROM Users WHERE Username = ")
+      .Text(name)
+      .Add(" AND Password = ")
+      .Text(password);
+}
+
+Statement CurrentUserStatement(std::string_view key) {
+  return Statement(
+             "SELECT Users.Username, Users.Password, Users.Initials, Users.DefaultView, "
+             "Users.Options, Users.Administrator, Groups.GroupID, Groups.GroupName FROM Users "
+             "INNER JOIN Groups ON Users.GroupID = Groups.GroupID WHERE OwnerKey = ")
+      .Text(key);
+}
+
+Statement AdministratorFlagStatement(std::string_view key) {
+  return Statement("SELECT Administrator FROM Users WHERE OwnerKey = ").Text(key);
+}
+
+Statement AnyAdministratorStatement(ASPDataServer dialect) {
+  return Statement("SELECT OwnerKey FROM Users Where Administrator = ").TrueValue(dialect);
+}
+
+// Text and flag columns may hold Null; they read as "" and false.
+std::string TextOf(const Variant& value) {
+  return value.IsNull() || value.IsEmpty() ? "" : CStr(value);
+}
+bool FlagOf(const Variant& value) {
+  return value.IsNull() || value.IsEmpty() ? false : CBool(value);
+}
+
+void ReadAccount(Page& page, Recordset& rs) {
+  CurrentUser& user = page.User;
+  user.Username = TextOf(rs.Fields("Username").Value());
+  user.Password = TextOf(rs.Fields("Password").Value());
+  user.Initials = TextOf(rs.Fields("Initials").Value());
+  user.DefaultView = CLng(rs.Fields("DefaultView").Value());
+  user.Options = TextOf(rs.Fields("Options").Value());
+  user.Administrator = FlagOf(rs.Fields("Administrator").Value());
+  page.UserGroupId = CLng(rs.Fields("GroupID").Value());
+  page.UserBanner = "<b>Group:</b> " + EscapeHtml(TextOf(rs.Fields("GroupName").Value())) +
+                    " | <b>User:</b> " + EscapeHtml(user.Username);
+}
+
+// An administrator working on someone else's calendar: his key must pass the check and still
+// name an administrator.
+void CheckActingAdministrator(Page& page) {
+  if (page.AdminKeyRejected) {
+    page.Screen = screens::kLogin;
+    return;
+  }
+  if (page.AdminKey.empty()) return;
+  Recordset rs;
+  rs.Open(AdministratorFlagStatement(page.AdminKey), *page.Connection);
+  if (rs.Eof()) {
+    page.Screen = screens::kLogin;
+  } else if (!FlagOf(rs.Fields("Administrator").Value())) {
+    page.Screen = screens::kLogin;
+    page.AdminKey.clear();
+  }
+}
+
+// The user's settings from Options; missing values fall back to the page's.
+void ApplyUserOptions(Page& page) {
+  UserOptions options = ReadUserOptions(page.User.Options);
+  CurrentUser& user = page.User;
+  Properties& props = page.props;
+  user.ShowAllGroupUsers = options.show_all_group_users;
+  user.MayChangeShowAllGroupUsers = options.may_change_show_all_group_users;
+  user.StartHour = options.start_hour.value_or(props.DefaultStartHour);
+  user.HighlightTodaysDate = options.highlight_todays_date ? *options.highlight_todays_date != 0
+                                                           : props.HighlightTodaysDate;
+  user.HighlightTodaysTime = options.highlight_todays_time ? *options.highlight_todays_time != 0
+                                                           : props.HighlightTodaysTime;
+  user.Show12HourDay =
+      options.show_12_hour_day ? *options.show_12_hour_day != 0 : props.Show12HourDay;
+  if (props.AllowUserOwnDefaults && !page.NewUserMode) {
+    props.DefaultStartHour = user.StartHour;
+    props.HighlightTodaysDate = user.HighlightTodaysDate;
+    props.HighlightTodaysTime = user.HighlightTodaysTime;
+    props.Show12HourDay = user.Show12HourDay;
+  }
+}
+
+void LoadAccount(Page& page) {
+  Recordset rs;
+  rs.Open(CurrentUserStatement(page.UserKey), *page.Connection);
+  if (rs.Eof()) {
+    page.UserKey.clear();
+    page.Screen = screens::kLogin;
+    return;
+  }
+  ReadAccount(page, rs);
+  rs.Close();
+  if (page.User.Administrator) {
+    page.AdminKey = page.UserKey;
+  } else {
+    CheckActingAdministrator(page);
+  }
+  ApplyUserOptions(page);
+}
+
+}  // namespace
+
+std::string LoginUser(Page& page, std::string_view user_name, std::string_view password) {
+  try {
+    Recordset rs;
+    rs.Open(LoginStatement(user_name, password), *page.Connection);
+    if (rs.Eof()) {
+      page.ErrorFlag = true;
+      page.ErrorKind = "LA";
+      page.ErrorText = kInvalidLogin;
+      return "";
+    }
+    page.Screen = CLng(rs.Fields("DefaultView").Value());
+    page.ReturnView = page.Screen;
+    UserOptions options = ReadUserOptions(TextOf(rs.Fields("Options").Value()));
+    if (options.start_hour) page.CurrentHour = *options.start_hour;
+    return TextOf(rs.Fields("OwnerKey").Value());
+  } catch (const ado::DatabaseError& error) {
+    TrapDatabaseError(page, error);
+    return "";
+  }
+}
+
+void LoadCurrentUser(Page& page) {
+  try {
+    LoadAccount(page);
+  } catch (const ado::DatabaseError& error) {
+    TrapDatabaseError(page, error);
+  }
+}
+
+bool AdministratorExists(Page& page) {
+  try {
+    Recordset rs;
+    rs.Open(AnyAdministratorStatement(page.props.DataServer), *page.Connection);
+    return !rs.Eof();
+  } catch (const ado::DatabaseError& error) {
+    TrapDatabaseError(page, error);
+    return false;
+  }
+}
+
+}  // namespace tidewell
