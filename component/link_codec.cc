@@ -1,5 +1,8 @@
 #include "component/link_codec.h"
 
+#include <array>
+#include <cstring>
+
 #include "component/link_keys.h"
 #include "component/page.h"
 #include "runtime/automation_error.h"
@@ -15,32 +18,102 @@ int HexDigitValue(char c) {
   return -1;
 }
 
+void AppendEncoded(std::string& out, std::string_view text, bool hex) {
+  if (!hex) {
+    out += text;
+    return;
+  }
+  // The two digits of every byte, looked up at once.
+  static constexpr auto kPairs = [] {
+    std::array<char, 512> pairs{};
+    constexpr char kDigits[] = "0123456789ABCDEF";
+    for (int byte = 0; byte < 256; ++byte) {
+      pairs[static_cast<size_t>(2 * byte)] = kDigits[byte >> 4];
+      pairs[static_cast<size_t>(2 * byte + 1)] = kDigits[byte & 0xF];
+    }
+    return pairs;
+  }();
+  const size_t at = out.size();
+  out.resize(at + text.size() * 2);
+  char* digit = out.data() + at;
+  for (char c : text) {
+    std::memcpy(digit, &kPairs[2 * static_cast<unsigned char>(c)], 2);
+    digit += 2;
+  }
+}
+
+// Every link of a page carries the same one or two keys, signed with the same expiry and
+// encoded the same way: some hundreds of times on a month view, and most of each link's
+// length. The last few a thread wrote are kept, signed and encoded.
+class RecentKeys {
+ public:
+  const std::string& Encoded(const LinkSigning& signing, std::string_view key, bool hex) {
+    const long long expiry = UnixNow() + signing.lifetime_seconds;
+    for (const Entry& entry : entries_) {
+      if (entry.expiry == expiry && entry.hex == hex && entry.key == key &&
+          entry.secret == signing.secret) {
+        return entry.encoded;
+      }
+    }
+    Entry& entry = entries_[next_];
+    next_ = (next_ + 1) % entries_.size();
+    entry = {signing.secret, std::string(key), expiry, hex, ""};
+    AppendEncoded(entry.encoded, SignKey(signing, key), hex);
+    return entry.encoded;
+  }
+
+ private:
+  struct Entry {
+    std::string secret;
+    std::string key;
+    long long expiry = 0;
+    bool hex = false;
+    std::string encoded;
+  };
+  std::array<Entry, 4> entries_;
+  size_t next_ = 0;
+};
+
+// The key as a link carries it: signed (link_keys.h), then encoded; an empty key stays empty.
+void AppendKey(std::string& link, const LinkSigning& signing, std::string_view key, bool hex) {
+  if (key.empty()) return;
+  thread_local RecentKeys recent;
+  link += recent.Encoded(signing, key, hex);
+}
+
 }  // namespace
 
 std::string BuildLink(const Page& page, const Variant& f1, const Variant& f2, const Variant& f3,
                       const Variant& f4, std::string_view f5, const Variant& f6,
                       std::string_view f7, std::string_view suffix) {
-  std::string payload = "~";
-  for (const std::string& field :
-       {CStr(f1), CStr(f2), CStr(f3), CStr(f4), SignKey(page.signing, f5), CStr(f6),
-        SignKey(page.signing, f7)}) {
-    payload += field;
-    payload += '~';
+  // A month view writes some hundreds of links: each is encoded straight into its place, the
+  // fields between the keys a run at a time.
+  const bool hex = page.props.HexQueryString;
+  std::string link;
+  link.reserve(page.ScriptName.size() + 3 + (hex ? 2 : 1) * (96 + f5.size() + f7.size()));
+  link += page.ScriptName;
+  link += "WS=";
+  std::string fields = "~";
+  for (const Variant* field : {&f1, &f2, &f3, &f4}) {
+    fields += CStr(*field);
+    fields += '~';
   }
-  payload += suffix;
-  return page.ScriptName + "WS=" + EncodeQueryString(payload, page.props.HexQueryString);
+  AppendEncoded(link, fields, hex);
+  AppendKey(link, page.signing, f5, hex);
+  fields = "~";
+  fields += CStr(f6);
+  fields += '~';
+  AppendEncoded(link, fields, hex);
+  AppendKey(link, page.signing, f7, hex);
+  fields = "~";
+  fields += suffix;
+  AppendEncoded(link, fields, hex);
+  return link;
 }
 
 std::string EncodeQueryString(std::string_view text, bool hex) {
-  if (!hex) return std::string(text);
-  static constexpr char kDigits[] = "0123456789ABCDEF";
   std::string out;
-  out.reserve(text.size() * 2);
-  for (char c : text) {
-    unsigned char byte = static_cast<unsigned char>(c);
-    out += kDigits[byte >> 4];
-    out += kDigits[byte & 0xF];
-  }
+  AppendEncoded(out, text, hex);
   return out;
 }
 

@@ -1,5 +1,8 @@
 #include "component/page_driver.h"
 
+#include "accounts/account_updates.h"
+#include "accounts/administrator_actions.h"
+#include "accounts/administrator_check.h"
 #include "accounts/login.h"
 #include "component/link_state.h"
 #include "component/page.h"
@@ -8,9 +11,12 @@
 #include "frame/header.h"
 #include "frame/navigation_bar.h"
 #include "frame/view_tabs.h"
+#include "items/item_updates.h"
 #include "runtime/automation_error.h"
 #include "runtime/clock.h"
 #include "runtime/dates.h"
+#include "search/search_results.h"
+#include "views/date_picker.h"
 
 namespace tidewell {
 namespace {
@@ -50,10 +56,13 @@ void LogIn(Page& page) {
 }
 
 // 9g: the user the key names; without one, the first-administrator form when asked for, else
-// the welcome screen while no administrator exists (the login screen otherwise stays).
-void EstablishUser(Page& page) {
+// the welcome screen while no administrator exists (the login screen otherwise stays). After
+// a refused administrator action nobody signed in gets the login screen, whatever he asked.
+void EstablishUser(Page& page, bool refused) {
   if (!page.UserKey.empty()) {
     LoadCurrentUser(page);
+  } else if (refused) {
+    return;
   } else if (page.RequestValue("welcome") == "y") {
     page.Screen = screens::kAdministratorOptions;
     page.NewUserMode = true;
@@ -67,10 +76,30 @@ void EstablishUser(Page& page) {
 // current user. Each subsystem's action is called from here as it is built.
 void RunPostedActions(Page& page) {
   if (page.Screen == screens::kLogin) LogIn(page);
-  // 9b-9f: item updates on screen 4 and for a deletion link, account updates on screens 8
-  // and 7, group updates on screen 10.
-  if (!page.ErrorFlag) EstablishUser(page);
-  // Then the search on screen 15.
+  // 9b, 9c: the item form's post on screen 4, and the deletion a link's "d" asked for.
+  if (page.Screen == screens::kItemForm && !page.FormValue("action").empty()) {
+    ProcessItemAction(page, page.FormValue("action"));
+  }
+  if (page.DeletionRequested) ProcessItemAction(page, "d");
+  // 9d: the administrator options screen's buttons, for administrators only.
+  bool refused = false;
+  if (!page.ErrorFlag && page.Screen == screens::kAdministratorOptions) {
+    refused = !RunAdministratorAction(page);
+  }
+  // 9e: group updates on screen 10.
+  // 9f: the user's own options, posted from screen 7.
+  if (!page.ErrorFlag && page.Screen == screens::kUserOptions &&
+      !page.FormValue("action").empty()) {
+    ProcessAccount(page, AccountForm::kUserOptions);
+  }
+  if (!page.ErrorFlag) EstablishUser(page, refused);
+  // The administrator screens are drawn for administrators only; anyone else, the login
+  // screen.
+  GuardAdministratorScreens(page);
+  // 9g: the search on screen 15, once the searcher is known.
+  if (!page.ErrorFlag && page.Screen == screens::kSearch && !page.FormValue("action").empty()) {
+    ProcessSearch(page);
+  }
 }
 
 void AppendViewTabs(Page& page) {
@@ -111,7 +140,8 @@ void RunPageDriver(Page& page) {
 
   if (page.Screen == screens::kDatePicker) {
     // The pop-up stands alone: no frame, no database, no closing divs, and written even when
-    // only the text was asked for. The picker's month grid is drawn here once views/ has it.
+    // only the text was asked for.
+    DatePicker(page);
     WritePage(page);
     return;
   }

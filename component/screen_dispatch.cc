@@ -1,30 +1,39 @@
 #include "component/screen_dispatch.h"
 
+#include "accounts/administrator_options_screen.h"
 #include "accounts/login_screen.h"
 #include "accounts/welcome_screen.h"
 #include "data/error_screen.h"
+#include "items/item_form.h"
+#include "items/item_help.h"
+#include "search/search_help.h"
+#include "search/search_screen.h"
+#include "views/day_view.h"
+#include "views/month_view.h"
+#include "views/time_view.h"
+#include "views/week_view.h"
 
 namespace tidewell {
 
 const ScreenTable& Screens() {
   static const ScreenTable table = {
-      nullptr,        // 0 month view
-      nullptr,        // 1 week view
-      nullptr,        // 2 day view
-      nullptr,        // 3 time view
-      nullptr,        // 4 item form
-      nullptr,        // 5 date picker: drawn alone by the driver
-      LoginScreen,    // 6 login
-      nullptr,        // 7 user options
-      nullptr,        // 8 administrator options
-      WelcomeScreen,  // 9 welcome
-      nullptr,        // 10 group options
-      nullptr,        // 11 user help
-      nullptr,        // 12 group help
-      nullptr,        // 13 item help
-      ErrorScreen,    // 14 database error
-      nullptr,        // 15 search
-      nullptr,        // 16 search help
+      MonthView,         // 0 month view
+      WeekView,          // 1 week view
+      DayView,           // 2 day view
+      TimeView,          // 3 time view
+      AddModifyView,     // 4 item form
+      nullptr,           // 5 date picker: drawn alone by the driver
+      LoginScreen,       // 6 login
+      nullptr,           // 7 user options
+      AdminOptionsView,  // 8 administrator options
+      WelcomeScreen,     // 9 welcome
+      nullptr,           // 10 group options
+      nullptr,           // 11 user help
+      nullptr,           // 12 group help
+      HelpScreenItem,    // 13 item help
+      ErrorScreen,       // 14 database error
+      SearchScreenView,  // 15 search
+      HelpScreenSearch,  // 16 search help
   };
   return table;
 }

@@ -1,6 +1,7 @@
 #include "data/dialect_translation.h"
 
 #include <cctype>
+#include <charconv>
 #include <optional>
 
 #include "data/connection_string.h"
@@ -162,6 +163,38 @@ void RefuseDateComparedWithText(const std::vector<Token>& tokens,
   }
 }
 
+// Statements that may hold parameters: the ones that read and write rows.
+bool TakesParameters(const std::vector<Token>& tokens) {
+  size_t first = NextSignificant(tokens, static_cast<size_t>(-1));
+  if (first == tokens.size()) return false;
+  for (const char* word : {"SELECT", "INSERT", "UPDATE", "DELETE"}) {
+    if (IsWord(tokens[first], word)) return true;
+  }
+  return false;
+}
+
+// The value of a quoted text: the quotes taken off, a doubled quote read as one.
+std::string QuotedValue(std::string_view quoted) {
+  std::string value;
+  const std::string_view inside = quoted.substr(1, quoted.size() >= 2 ? quoted.size() - 2 : 0);
+  for (size_t i = 0; i < inside.size(); ++i) {
+    value += inside[i];
+    if (inside[i] == '\'' && i + 1 < inside.size() && inside[i + 1] == '\'') ++i;
+  }
+  return value;
+}
+
+// A number written with digits alone that a Long holds; nothing for any other.
+std::optional<long> WholeNumber(std::string_view text) {
+  if (text.empty() || text.size() > 9) return std::nullopt;
+  long n = 0;
+  for (char c : text) {
+    if (!IsDigit(c)) return std::nullopt;
+    n = n * 10 + (c - '0');
+  }
+  return n;
+}
+
 std::string SqliteDateLiteral(std::string_view literal) {
   std::optional<Date> date = ParseStatementDate(literal.substr(1, literal.size() - 2));
   if (!date) {
@@ -194,6 +227,50 @@ std::string TranslateAccessForSqlite(std::string_view statement,
       replacements[i] = SqliteDateLiteral(tokens[i].text);
   }
   return Join(tokens, limit, replacements);
+}
+
+SqliteStatement ParameterizedAccessForSqlite(
+    std::string_view statement, const std::function<bool(std::string_view)>& is_date_column) {
+  std::vector<Token> tokens = Tokenize(statement);
+  RefuseDateComparedWithText(tokens, is_date_column);
+  SqliteStatement result;
+  std::optional<std::string> limit = TakeTopLimit(tokens);
+  if (limit) {
+    long n = 0;
+    auto [end, error] = std::from_chars(limit->data(), limit->data() + limit->size(), n);
+    // A limit that is no plain count stays in the text for the engine to judge.
+    if (error == std::errc() && end == limit->data() + limit->size()) {
+      result.row_limit = n;
+      limit.reset();
+    }
+  }
+  const bool takes_parameters = TakesParameters(tokens);
+  std::vector<std::string> replacements(tokens.size());
+  for (size_t i = 0; i < tokens.size(); ++i) {
+    const Token& token = tokens[i];
+    if (token.kind == TokenKind::kDateLiteral) {
+      std::string literal = SqliteDateLiteral(token.text);
+      if (!takes_parameters) {
+        replacements[i] = std::move(literal);
+        continue;
+      }
+      result.values.emplace_back(literal.substr(1, literal.size() - 2));
+      replacements[i] = "?";
+    } else if (takes_parameters && token.kind == TokenKind::kText) {
+      result.values.emplace_back(QuotedValue(token.text));
+      replacements[i] = "?";
+    } else if (takes_parameters && token.kind == TokenKind::kNumber) {
+      size_t before = PreviousSignificant(tokens, i);
+      std::optional<long> number = WholeNumber(token.text);
+      if (before != std::string_view::npos && tokens[before].kind == TokenKind::kOperator &&
+          number) {
+        result.values.emplace_back(*number);
+        replacements[i] = "?";
+      }
+    }
+  }
+  result.text = Join(tokens, limit, replacements);
+  return result;
 }
 
 std::string TranslateSqlServerForPostgres(std::string_view statement) {

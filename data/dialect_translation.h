@@ -1,9 +1,12 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "runtime/variant.h"
 
 namespace tidewell::ado {
 
@@ -35,6 +38,25 @@ std::vector<Token> Tokenize(std::string_view statement);
 // A malformed date literal fails as a syntax error. Throws DatabaseError.
 std::string TranslateAccessForSqlite(std::string_view statement,
                                      const std::function<bool(std::string_view)>& is_date_column);
+
+// What the SQLite session prepares and runs for a statement in the Access dialect.
+struct SqliteStatement {
+  std::string text;               // in SQLite's words, values taken out as "?"
+  std::vector<Variant> values;    // for the "?" in order
+  std::optional<long> row_limit;  // "TOP n": read no more than n rows
+};
+
+// TranslateAccessForSqlite, made for running rather than reading:
+// - "TOP n" is taken out and n goes to row_limit, for the session to stop reading after n
+//   rows: for the few rows a day list sorts, SQLite's plain sort is cheaper than the top-n
+//   index a LIMIT makes it keep;
+// - in a SELECT, INSERT, UPDATE or DELETE, every quoted value and date literal, and every
+//   whole number right after a comparison, becomes a parameter with its value listed, so that
+//   statements differing only in their values (one a day of a month view, one a user) share
+//   one prepared statement. The values compare exactly as the literals did.
+// Throws DatabaseError as TranslateAccessForSqlite does.
+SqliteStatement ParameterizedAccessForSqlite(
+    std::string_view statement, const std::function<bool(std::string_view)>& is_date_column);
 
 // SQL Server dialect to PostgreSQL: TOP n becomes LIMIT n and [bracketed] names lose their
 // brackets. Quoted m/d/yyyy dates need nothing: the session reads dates month first. A "#"

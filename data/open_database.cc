@@ -62,6 +62,12 @@ void TrapDatabaseError(Page& page, const ado::DatabaseError& error) {
                   error);
 }
 
+void TrapUpdateError(Page& page, const ado::DatabaseError& error) {
+  SetPendingError(page, "DP",
+                  "The following error was presented when trying to connect to the database.",
+                  error);
+}
+
 void CloseDatabase(Page& page) {
   if (page.Connection) page.Connection->Close();  // Close never throws
   page.Connection.reset();

@@ -22,6 +22,11 @@ void CloseDatabase(Page& page);
 // for E_FAIL and "DB" otherwise, and Screen 14.
 void TrapDatabaseError(Page& page, const ado::DatabaseError& error);
 
+// What the updating actions (item, account and group updates) do with a failed statement:
+// the same pending error and heading, always of kind "DP" (the database was reached but could
+// not be written, whatever the number says), and Screen 14.
+void TrapUpdateError(Page& page, const ado::DatabaseError& error);
+
 // What a reader that gathers a screen's data (the item lists) does with a failed statement:
 // ErrorFlag, ErrorKind "DS", the error in ErrorText, Screen 14. The dispatcher then draws the
 // error screen after the part of the screen drawn so far.

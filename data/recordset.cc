@@ -44,6 +44,13 @@ std::string_view NameOf(const Token& token) {
 
 // A source that is just a table's name: "Items" or "[Items]".
 std::optional<std::string> TableNameSource(std::string_view source) {
+  // A statement has blanks between its words, a table's name none: most sources are told
+  // apart without reading them word by word.
+  const size_t first = source.find_first_not_of(" \t\r\n");
+  const size_t last = source.find_last_not_of(" \t\r\n");
+  if (first == std::string_view::npos ||
+      source.substr(first, last - first + 1).find_first_of(" \t\r\n") != std::string_view::npos)
+    return std::nullopt;
   std::vector<Token> tokens = SignificantTokens(source);
   if (tokens.size() != 1) return std::nullopt;
   if (tokens[0].kind != TokenKind::kWord && tokens[0].kind != TokenKind::kQuotedName)
@@ -106,7 +113,9 @@ void Recordset::Open(const Statement& source, Connection& connection, CursorType
     rows_deferred_ = true;
   } else {
     answer = session.Run(text);
-    table_ = SingleTableOf(text);
+    // Only a recordset that writes back needs the table it read; the item lists open some
+    // forty read-only ones a page and are spared reading their statements once more.
+    table_ = lock == adLockReadOnly ? "" : SingleTableOf(text);
     rows_deferred_ = false;
   }
   names_ = std::move(answer.names);

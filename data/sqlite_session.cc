@@ -3,6 +3,7 @@
 #include <sqlite3.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cctype>
 #include <cerrno>
 #include <cstring>
@@ -21,6 +22,7 @@ namespace {
 
 constexpr int kBusyTimeoutMs = 10000;
 constexpr size_t kStatementCacheSize = 64;
+constexpr size_t kTranslationCacheSize = 256;
 
 bool FileExists(const std::string& path) {
   struct stat info;
@@ -115,10 +117,23 @@ class SqliteSession : public Session {
     sqlite3_close_v2(db_);
   }
 
+  // Statements are run with their values bound (ParameterizedAccessForSqlite), so that the
+  // statements of a page that differ only in a date or a key share one prepared statement. A
+  // page runs the same statements again and again (a month view some forty day lists, each
+  // one again on the next visit), and reading each word by word every time cost more than
+  // running it: the translation of a text that prepared well is kept and used again.
   Rows Run(std::string_view statement) override {
-    std::string text = TranslateAccessForSqlite(
+    if (auto found = translations_.find(statement); found != translations_.end()) {
+      const SqliteStatement& known = found->second;
+      return Step(Prepared(known.text), known.values, known.row_limit);
+    }
+    SqliteStatement translated = ParameterizedAccessForSqlite(
         statement, [this](std::string_view column) { return IsDateColumn(column); });
-    return Step(Prepared(text), {});
+    sqlite3_stmt* stmt = Prepared(translated.text);
+    if (translations_.size() >= kTranslationCacheSize) translations_.clear();
+    const SqliteStatement& kept =
+        translations_.emplace(std::string(statement), std::move(translated)).first->second;
+    return Step(stmt, kept.values, kept.row_limit);
   }
 
   Rows RunBound(std::string_view native_text, const std::vector<Variant>& values) override {
@@ -181,6 +196,7 @@ class SqliteSession : public Session {
   void Remember(const std::string& text, sqlite3_stmt* stmt) {
     if (statements_.size() >= kStatementCacheSize) {
       const std::string& oldest = recent_.back();
+      columns_.erase(statements_[oldest]);
       sqlite3_finalize(statements_[oldest]);
       statements_.erase(oldest);
       positions_.erase(oldest);
@@ -222,7 +238,31 @@ class SqliteSession : public Session {
     if (code != SQLITE_OK) RaiseEngineError(code);
   }
 
-  Rows Step(sqlite3_stmt* stmt, const std::vector<Variant>& values) {
+  // The names and kinds of a prepared statement's columns, read once for each statement.
+  struct Columns {
+    std::vector<std::string> names;
+    std::vector<ColumnKind> kinds;
+  };
+  const Columns& ColumnsOf(sqlite3_stmt* stmt) {
+    const size_t count = static_cast<size_t>(sqlite3_column_count(stmt));
+    if (auto found = columns_.find(stmt);
+        found != columns_.end() && found->second.names.size() == count) {
+      return found->second;
+    }
+    Columns described;
+    described.names.reserve(count);
+    described.kinds.reserve(count);
+    for (int c = 0; c < static_cast<int>(count); ++c) {
+      described.names.emplace_back(sqlite3_column_name(stmt, c));
+      described.kinds.push_back(KindOfDeclaredType(sqlite3_column_decltype(stmt, c)));
+    }
+    return columns_[stmt] = std::move(described);
+  }
+
+  // Runs the statement and reads its rows, at most `row_limit` of them (the "TOP n" of the
+  // statement's text).
+  Rows Step(sqlite3_stmt* stmt, const std::vector<Variant>& values,
+            std::optional<long> row_limit = std::nullopt) {
     struct ResetOnExit {
       sqlite3_stmt* stmt;
       ~ResetOnExit() {
@@ -232,17 +272,19 @@ class SqliteSession : public Session {
     } reset{stmt};
     for (size_t i = 0; i < values.size(); ++i) Bind(stmt, static_cast<int>(i + 1), values[i]);
     Rows rows;
-    int columns = sqlite3_column_count(stmt);
-    for (int c = 0; c < columns; ++c) {
-      rows.names.emplace_back(sqlite3_column_name(stmt, c));
-      rows.kinds.push_back(KindOfDeclaredType(sqlite3_column_decltype(stmt, c)));
-    }
-    int code;
-    while ((code = sqlite3_step(stmt)) == SQLITE_ROW) {
+    const Columns& described = ColumnsOf(stmt);
+    rows.names = described.names;
+    rows.kinds = described.kinds;
+    const int columns = static_cast<int>(rows.names.size());
+    if (row_limit) rows.values.reserve(static_cast<size_t>(std::clamp(*row_limit, 0L, 64L)));
+    int code = SQLITE_DONE;
+    while ((!row_limit || static_cast<long>(rows.values.size()) < *row_limit) &&
+           (code = sqlite3_step(stmt)) == SQLITE_ROW) {
       std::vector<Variant>& row = rows.values.emplace_back();
+      row.reserve(static_cast<size_t>(columns));
       for (int c = 0; c < columns; ++c) row.push_back(ReadColumn(stmt, c, rows.kinds[c]));
     }
-    if (code != SQLITE_DONE) RaiseEngineError(sqlite3_extended_errcode(db_));
+    if (code != SQLITE_DONE && code != SQLITE_ROW) RaiseEngineError(sqlite3_extended_errcode(db_));
     if (!sqlite3_stmt_readonly(stmt)) rows.affected = static_cast<long>(sqlite3_changes(db_));
     return rows;
   }
@@ -261,6 +303,8 @@ class SqliteSession : public Session {
 
   void LoadColumnKinds() {
     schema_version_ = SchemaVersion();
+    translations_.clear();  // they were checked against the columns as they were
+    columns_.clear();
     date_columns_.clear();
     Rows rows = RunBound(
         "SELECT p.name, p.type FROM sqlite_master AS m, pragma_table_info(m.name) AS p "
@@ -285,9 +329,24 @@ class SqliteSession : public Session {
   std::unordered_map<std::string, sqlite3_stmt*> statements_;
   std::list<std::string> recent_;  // most recently used first
   std::unordered_map<std::string, std::list<std::string>::iterator> positions_;
+  // Keyed by the Access text; looked up with a string_view, so a hit copies nothing.
+  struct TextHash {
+    using is_transparent = void;
+    size_t operator()(std::string_view text) const { return std::hash<std::string_view>()(text); }
+  };
+  std::unordered_map<sqlite3_stmt*, Columns> columns_;
+  std::unordered_map<std::string, SqliteStatement, TextHash, std::equal_to<>> translations_;
   std::map<std::string, bool> date_columns_;
   long schema_version_ = -1;
 };
+
+// SQLite keeps counts of its memory for sqlite3_status, under a lock taken on every one of
+// its allocations. Nothing here reads them, so they are switched off before the library's
+// first use (the call is refused, harmlessly, once the library has started).
+void StartSqlite() {
+  static const int configured = sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
+  (void)configured;
+}
 
 [[noreturn]] void RaiseOpenFailure(sqlite3* db, const std::string& text) {
   sqlite3_close_v2(db);
@@ -331,6 +390,7 @@ std::unique_ptr<Session> OpenSqliteSession(const ConnectionSettings& settings) {
     throw DatabaseError(error_numbers::kFail,
                         "Could not find the database file named in the connection string.");
   }
+  StartSqlite();
   sqlite3* db = nullptr;
   int code =
       sqlite3_open_v2(path.c_str(), &db, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
@@ -340,6 +400,7 @@ std::unique_ptr<Session> OpenSqliteSession(const ConnectionSettings& settings) {
 }
 
 void CreateSqliteDatabaseFile(const std::string& path) {
+  StartSqlite();
   sqlite3* db = nullptr;
   int code = sqlite3_open_v2(
       path.c_str(), &db, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr);

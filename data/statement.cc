@@ -1,6 +1,7 @@
 #include "data/statement.h"
 
 #include <cctype>
+#include <cstring>
 
 #include "data/database_error.h"
 #include "runtime/dates.h"
@@ -19,7 +20,12 @@ bool IsPlainInteger(std::string_view value) {
 
 }  // namespace
 
-Statement::Statement(const char* fixed_text) : text_(fixed_text) {}
+Statement::Statement(const char* fixed_text) {
+  // Room for the values and clauses that follow, so that the text is not moved as it grows.
+  const size_t length = std::strlen(fixed_text);
+  text_.reserve(length + 128);
+  text_.append(fixed_text, length);
+}
 
 Statement& Statement::Add(const char* fixed_text) {
   text_ += fixed_text;
@@ -61,6 +67,18 @@ Statement& Statement::DateValue(Date value, ASPDataServer dialect) {
   const char quote = dialect == ASPDataServer::Access ? '#' : '\'';
   text_ += quote;
   text_ += StatementDateText(value);
+  text_ += quote;
+  return *this;
+}
+
+Statement& Statement::DateText(std::string_view text, ASPDataServer dialect) {
+  if (text.empty() || text.find_first_not_of("0123456789/") != std::string_view::npos) {
+    Refuse("A date placed in the statement holds more than digits and \"/\".");
+    return *this;
+  }
+  const char quote = dialect == ASPDataServer::Access ? '#' : '\'';
+  text_ += quote;
+  text_ += text;
   text_ += quote;
   return *this;
 }

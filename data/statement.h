@@ -39,6 +39,10 @@ class Statement {
   Statement& Number(std::string_view value);
   // The date part as m/d/yyyy, between "#" for Access and "'" for SQL Server.
   Statement& DateValue(Date value, ASPDataServer dialect);
+  // Date text exactly as the caller has it, between the same delimiters. Only digits and "/"
+  // may stand there; any other text is refused. The item lists splice a date they could not
+  // read this way, so that the engine, not the builder, says what is wrong with it.
+  Statement& DateText(std::string_view text, ASPDataServer dialect);
   // True as the dialect compares it: -1 for Access, 1 for SQL Server.
   Statement& TrueValue(ASPDataServer dialect);
 

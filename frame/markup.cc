@@ -1,10 +1,17 @@
 #include "frame/markup.h"
 
+#include <algorithm>
+#include <functional>
+#include <span>
+
 #include "component/page.h"
 
 namespace tidewell {
 
 std::string EscapeHtml(std::string_view text) {
+  // Most text has nothing to escape and is copied whole.
+  auto special = [](char c) { return c == '&' || c == '<' || c == '>' || c == '"'; };
+  if (std::none_of(text.begin(), text.end(), special)) return std::string(text);
   std::string escaped;
   escaped.reserve(text.size());
   for (char c : text) {
@@ -30,11 +37,18 @@ std::string EscapeHtml(std::string_view text) {
 
 void ReplaceHeight(Page& page, long height) {
   static constexpr std::string_view kPlaceholder = "<height></height>";
+  // The page is searched whole, tens of kilobytes after a month view: with a searcher that
+  // skips ahead by the placeholder's length rather than stopping at every "<".
+  static const std::boyer_moore_horspool_searcher searcher(kPlaceholder.begin(),
+                                                           kPlaceholder.end());
   const std::string value = std::to_string(height);
   std::string& out = page.PageBuffer;
-  for (size_t at = out.find(kPlaceholder); at != std::string::npos;
-       at = out.find(kPlaceholder, at + value.size())) {
-    out.replace(at, kPlaceholder.size(), value);
+  for (size_t from = 0;;) {
+    const auto at = std::search(out.begin() + static_cast<long>(from), out.end(), searcher);
+    if (at == out.end()) return;
+    const size_t offset = static_cast<size_t>(at - out.begin());
+    out.replace(offset, kPlaceholder.size(), value);
+    from = offset + value.size();
   }
 }
 
@@ -61,13 +75,27 @@ void AppendTitleBar(Page& page, std::string_view title, TitleCell first_cell) {
   out += "</table>";
 }
 
+std::string TextOption(std::string_view value, std::string_view label, bool selected) {
+  std::string option =
+      selected ? "<option selected class=text value=" : "<option class=text value=";
+  option += value;
+  option += " >";
+  option += label;
+  option += "</option>";
+  return option;
+}
+
 void AppendLogo(Page& page) {
   page.PageBuffer += "<img src=" + page.props.ImagePath +
                      "logo_tidewell.gif border=0 width=270 height=103 align=absmiddle ><hr "
                      "size=1 color=#c0c0c0 >";
 }
 
-void AppendValidator(Page& page, std::initializer_list<RequiredField> fields) {
+namespace {
+
+// The validator script; with `passwords_must_match`, the password check after the fields.
+void AppendValidatorScript(Page& page, std::span<const RequiredField> fields,
+                           bool passwords_must_match) {
   std::string& out = page.PageBuffer;
   auto line = [&out](std::string_view text) {
     out += text;
@@ -86,9 +114,57 @@ void AppendValidator(Page& page, std::initializer_list<RequiredField> fields) {
     line("return (false);");
     line("}");
   }
+  if (passwords_must_match) {
+    line("if (theForm.password.value != theForm.confirm.value)");
+    line("{");
+    line("alert('Password and Confirm Password do not match.');");
+    line("theForm.password.focus();");
+    line("return (false);");
+    line("}");
+  }
   line("return (true);");
   line("}");
   line("//-->");
+  line("</script>");
+}
+
+}  // namespace
+
+void AppendValidator(Page& page, std::initializer_list<RequiredField> fields) {
+  AppendValidatorScript(page, std::span<const RequiredField>(fields.begin(), fields.size()),
+                        /*passwords_must_match=*/false);
+}
+
+void AppendPasswordValidator(Page& page, const std::vector<RequiredField>& fields) {
+  AppendValidatorScript(page, fields, /*passwords_must_match=*/true);
+}
+
+void AppendDatePickerScript(Page& page) {
+  int width = 0, height = 0;
+  if (page.BrowserKind == browsers::kExplorer) {
+    width = 180, height = 165;
+  } else if (page.BrowserKind >= browsers::kNetscape && page.BrowserKind <= browsers::kOpera) {
+    width = 200, height = 185;
+  }
+  std::string& out = page.PageBuffer;
+  auto line = [&out](std::string_view text) {
+    out += text;
+    out += "\r\n";
+  };
+  out += "\r\n";
+  line("<script language=javascript>");
+  line("function datepicker(url)");
+  line("{");
+  line("var x = screen.width/4;");
+  line("var y = screen.height/2;");
+  line(
+      "var winFeatures = "
+      "'toolbar=0,location=0,directories=0,status=0,menubar=0,scrollbars=0,resizable=0,width=" +
+      std::to_string(width) + ",height=" + std::to_string(height) +
+      ",left=' + y + ',top=' + x + ',screenX=' + x + ',screenY=' + y;");
+  line("dp = window.open(url,'dp',winFeatures);");
+  line("dp.focus();");
+  line("}");
   line("</script>");
 }
 

@@ -3,6 +3,7 @@
 #include <initializer_list>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tidewell {
 
@@ -33,6 +34,11 @@ enum class TitleCell { kPlain, kSpaced };
 // markup: a caller splicing a user's name escapes it first.
 void AppendTitleBar(Page& page, std::string_view title, TitleCell first_cell);
 
+// One entry of a select list as the forms write them: "<option class=text value=" value " >"
+// label "</option>", or "<option selected class=text value=" for the preselected entry.
+// `label` is markup: a caller showing a user's text escapes it first.
+std::string TextOption(std::string_view value, std::string_view label, bool selected);
+
 // The Tidewell logo followed by a grey rule, as the sign-in screens open their text.
 void AppendLogo(Page& page);
 
@@ -46,5 +52,17 @@ struct RequiredField {
 // line ended by CR LF and one CR LF before the first: for every field in turn an alert "Please
 // enter a value in the <label> field." and the focus on it.
 void AppendValidator(Page& page, std::initializer_list<RequiredField> fields);
+
+// The same check for a form that asks for a password twice (the account forms): after the
+// required fields, "password" and "confirm" must agree, else the alert "Password and Confirm
+// Password do not match." and the focus back on "password".
+void AppendPasswordValidator(Page& page, const std::vector<RequiredField>& fields);
+
+// datepicker(url), which the forms' date-picker icons call: the picker in a small window, as
+// large as the browser kind needs (180 by 165 for Explorer, 200 by 185 for Netscape, Navigator
+// and Opera, 0 by 0 for any other kind). Written like the validator, one line a piece ended by
+// CR LF and one CR LF before the first, but without the "<!--" guard. The window's left is
+// given y and its top x; the pop-up has always opened there.
+void AppendDatePickerScript(Page& page);
 
 }  // namespace tidewell

@@ -22,10 +22,21 @@ std::optional<Date> ParseFixedNow(const char* text) {
   return Combine(DateSerial(y, mo, d), TimeSerial(h, mi, s));
 }
 
+Date LocalTime(std::time_t t) {
+  std::tm local{};
+  localtime_r(&t, &local);
+  return Combine(DateSerial(local.tm_year + 1900, local.tm_mon + 1, local.tm_mday),
+                 TimeSerial(local.tm_hour, local.tm_min, local.tm_sec));
+}
+
 struct ClockState {
   std::mutex mutex;
   bool environment_read = false;
   std::optional<Date> fixed;
+  // The local time of the last second asked for: a page asks for the time with every link it
+  // signs, and the conversion to local time is worked out once a second.
+  std::time_t last_second = -1;
+  Date last_local;
 };
 
 ClockState& State() {
@@ -33,12 +44,12 @@ ClockState& State() {
   return state;
 }
 
-Date SystemNow() {
+Date SystemNow(ClockState& state) {
   std::time_t t = std::time(nullptr);
-  std::tm local{};
-  localtime_r(&t, &local);
-  return Combine(DateSerial(local.tm_year + 1900, local.tm_mon + 1, local.tm_mday),
-                 TimeSerial(local.tm_hour, local.tm_min, local.tm_sec));
+  if (t == state.last_second) return state.last_local;
+  state.last_second = t;
+  state.last_local = LocalTime(t);
+  return state.last_local;
 }
 
 }  // namespace
@@ -60,7 +71,7 @@ Date Now() {
       state.fixed = ParseFixedNow(text);
     }
   }
-  return state.fixed ? *state.fixed : SystemNow();
+  return state.fixed ? *state.fixed : SystemNow(state);
 }
 
 Date Today() {

@@ -178,6 +178,11 @@ std::string Trim(std::string_view s) {
 }
 
 std::string FormatTwoDigits(long n) {
+  if (n >= 0 && n < 100) {
+    // The common case, written without the C library's format machinery: the calendar writes
+    // a day number or an hour with every cell and row.
+    return {static_cast<char>('0' + n / 10), static_cast<char>('0' + n % 10)};
+  }
   char buffer[24];
   std::snprintf(buffer, sizeof buffer, "%02ld", n);
   return buffer;

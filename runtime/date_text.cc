@@ -12,7 +12,8 @@ namespace tidewell {
 namespace {
 
 std::string TwoDigits(int n) {
-  char buffer[8];
+  if (n >= 0 && n < 100) return {static_cast<char>('0' + n / 10), static_cast<char>('0' + n % 10)};
+  char buffer[16];
   std::snprintf(buffer, sizeof buffer, "%02d", n);
   return buffer;
 }
@@ -134,6 +135,27 @@ std::optional<Date> FromMonthName(int month, const std::vector<Token>& n) {
   return MakeDate(ExpandYear(year), month, std::stoi(day.text));
 }
 
+// Three runs of digits between two "/", the form nearly every date text here takes (the
+// links' dates, the calendar grids'), split without the general tokenizer. Nothing for any
+// other text.
+std::optional<std::vector<Token>> SlashedNumbers(std::string_view text) {
+  std::vector<Token> numbers;
+  numbers.reserve(3);
+  size_t start = 0;
+  for (int part = 0; part < 3; ++part) {
+    const size_t end = part < 2 ? text.find('/', start) : text.size();
+    if (end == std::string_view::npos) return std::nullopt;
+    const std::string_view digits = text.substr(start, end - start);
+    if (digits.empty() || digits.size() > 4) return std::nullopt;
+    for (char c : digits) {
+      if (!std::isdigit(static_cast<unsigned char>(c))) return std::nullopt;
+    }
+    numbers.push_back({Token::Kind::kNumber, std::string(digits), static_cast<int>(digits.size())});
+    start = end + 1;
+  }
+  return numbers;
+}
+
 }  // namespace
 
 std::string ShortDateText(Date d) {
@@ -158,6 +180,7 @@ std::string DateToText(Date d) {
 }
 
 std::optional<Date> ParseDateText(std::string_view text) {
+  if (auto numbers = SlashedNumbers(text)) return FromNumbers(*numbers);
   auto tokens = Tokenize(text);
   if (!tokens || tokens->empty()) return std::nullopt;
 

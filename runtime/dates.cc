@@ -11,7 +11,7 @@ namespace {
 constexpr int kSecondsPerDay = 86400;
 
 // Days since 1 January 1970 of a proleptic Gregorian date (H. Hinnant's algorithm).
-long DaysFromCivil(long y, unsigned m, unsigned d) {
+constexpr long DaysFromCivil(long y, unsigned m, unsigned d) {
   y -= m <= 2;
   const long era = (y >= 0 ? y : y - 399) / 400;
   const unsigned yoe = static_cast<unsigned>(y - era * 400);
@@ -39,7 +39,9 @@ Civil CivilFromDays(long z) {
   return {static_cast<int>(y + (m <= 2)), static_cast<int>(m), static_cast<int>(d)};
 }
 
-const long kEpochOffset = DaysFromCivil(1899, 12, 30);
+// Worked out when compiling, so that dates made while other files' statics are initialised
+// are already right.
+constexpr long kEpochOffset = DaysFromCivil(1899, 12, 30);
 
 // Whole days and seconds of the day, the seconds rounded so that 0.99999 of a day is midnight.
 struct Split {

@@ -186,6 +186,8 @@ TEST_F(PageDriver, SignedKeyPassesTheCheck) {
 }
 
 TEST_F(PageDriver, WelcomeRequestWithoutKeyKeepsTheLinksReturnView) {
+  // The first-administrator form is drawn only while no account is an administrator.
+  database_.Execute("UPDATE Users SET Administrator = 0");
   visit_.request.QueryString.Add("welcome", "y");
   const Page& page = ShowLink("~4/2~11/3/2026~9~0~~~~");
   EXPECT_EQ(page.ReturnView, 2);
@@ -243,7 +245,14 @@ TEST_F(PageDriver, DatePickerIsWrittenAloneEvenForViewSource) {
                                  EncodeQueryString("~5/5~11/3/2026~9~0~" + key + "~~~", true));
   std::string html = visit_.component.ViewSource();
   EXPECT_EQ(visit_.response.body(), html);
-  EXPECT_EQ(html, "<div id=ws_vis ><div id=ws_pos >");
+  // The wrapper divs, then the picker alone: no frame, and the divs are never closed.
+  EXPECT_EQ(html.rfind("<div id=ws_vis ><div id=ws_pos ><body topmargin=0 leftmargin=0 >"
+                       "<!-- datepicker  start -->",
+                       0),
+            0u);
+  EXPECT_EQ(html.find("Outer Table"), std::string::npos);
+  const std::string end = "<!-- DatePicker End --></body>";
+  EXPECT_EQ(html.substr(html.size() - end.size()), end);
 }
 
 TEST(ScriptName, KeepsWhatFollowsTheLastSlash) {

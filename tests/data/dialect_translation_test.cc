@@ -78,6 +78,64 @@ TEST(TranslateAccessForSqlite, MalformedDateIsASyntaxError) {
   }
 }
 
+SqliteStatement ParameterizedForSqlite(std::string_view statement) {
+  return ParameterizedAccessForSqlite(statement, DateStampIsADate);
+}
+
+TEST(ParameterizedAccessForSqlite, ValuesBecomeParametersAndTopARowLimit) {
+  SqliteStatement s = ParameterizedForSqlite(
+      "SELECT TOP 6 ItemID FROM Items INNER JOIN Users ON Items.OwnerKey = Users.OwnerKey WHERE "
+      "DateStamp = #11/3/2026# AND Items.OwnerKey = 'k1' AND TimeStamp = 14 ORDER BY TimeStamp, "
+      "Heading ASC");
+  EXPECT_EQ(s.text,
+            "SELECT ItemID FROM Items INNER JOIN Users ON Items.OwnerKey = Users.OwnerKey WHERE "
+            "DateStamp = ? AND Items.OwnerKey = ? AND TimeStamp = ? ORDER BY TimeStamp, Heading "
+            "ASC");
+  EXPECT_EQ(s.values, (std::vector<Variant>{Variant("2026-11-03"), Variant("k1"), Variant(14L)}));
+  EXPECT_EQ(s.row_limit, 6);
+}
+
+// Statements differing only in their values share one text, so one prepared statement.
+TEST(ParameterizedAccessForSqlite, StatementsDifferingInValuesShareTheirText) {
+  SqliteStatement a = ParameterizedForSqlite(
+      "SELECT TOP 5 ItemID FROM Items WHERE DateStamp = #11/3/2026# AND GroupID = 4");
+  SqliteStatement b = ParameterizedForSqlite(
+      "SELECT TOP 5 ItemID FROM Items WHERE DateStamp = #12/24/2027# AND GroupID = 17");
+  EXPECT_EQ(a.text, b.text);
+  EXPECT_NE(a.values, b.values);
+}
+
+TEST(ParameterizedAccessForSqlite, QuotedValuesAreReadAsTheEngineReadsThem) {
+  SqliteStatement s =
+      ParameterizedForSqlite("SELECT 1 FROM Items WHERE Heading LIKE '%it''s%' AND Heading <> ''");
+  EXPECT_EQ(s.text, "SELECT 1 FROM Items WHERE Heading LIKE ? AND Heading <> ?");
+  EXPECT_EQ(s.values, (std::vector<Variant>{Variant("%it's%"), Variant("")}));
+}
+
+TEST(ParameterizedAccessForSqlite, NumbersOutsideComparisonsStayInTheText) {
+  SqliteStatement s = ParameterizedForSqlite(
+      "SELECT 1 FROM Users WHERE Administrator = -1 AND GroupID = 2 ORDER BY 1");
+  EXPECT_EQ(s.text, "SELECT 1 FROM Users WHERE Administrator = -1 AND GroupID = ? ORDER BY 1");
+  EXPECT_EQ(s.values, (std::vector<Variant>{Variant(2L)}));
+  EXPECT_EQ(ParameterizedForSqlite("SELECT 1 FROM Items WHERE ItemID = 12345678901").text,
+            "SELECT 1 FROM Items WHERE ItemID = 12345678901");
+}
+
+TEST(ParameterizedAccessForSqlite, OtherStatementsKeepTheirValues) {
+  const char* create = "CREATE TABLE t (a TEXT DEFAULT 'x', d DATE)";
+  SqliteStatement s = ParameterizedForSqlite(create);
+  EXPECT_EQ(s.text, create);
+  EXPECT_TRUE(s.values.empty());
+  EXPECT_FALSE(s.row_limit);
+}
+
+TEST(ParameterizedAccessForSqlite, FailsAsTheTranslationFails) {
+  EXPECT_THROW(ParameterizedForSqlite("SELECT 1 FROM Items WHERE DateStamp = '11/3/2026'"),
+               DatabaseError);
+  EXPECT_THROW(ParameterizedForSqlite("SELECT 1 FROM Items WHERE DateStamp = #2/30/2026#"),
+               DatabaseError);
+}
+
 TEST(TranslateSqlServerForPostgres, TopBecomesLimitAndQuotedDatesStay) {
   EXPECT_EQ(TranslateSqlServerForPostgres(
                 "SELECT TOP 3 ItemID FROM Items WHERE DateStamp = '11/3/2026' ORDER BY [Heading]"),

@@ -58,6 +58,24 @@ TEST(Statement, DatesLoseTheirTimeOfDay) {
             "'2/3/2026'");
 }
 
+TEST(Statement, DateTextGoesInAsItIsBetweenTheDialectsDelimiters) {
+  EXPECT_EQ(
+      Statement("WHERE DateStamp = ").DateText("1/5/2004", ASPDataServer::Access).CheckedText(),
+      "WHERE DateStamp = #1/5/2004#");
+  EXPECT_EQ(Statement("WHERE DateStamp = ")
+                .DateText("13/45/2004", ASPDataServer::SQLServer)
+                .CheckedText(),
+            "WHERE DateStamp = '13/45/2004'");
+}
+
+TEST(Statement, DateTextOtherThanDigitsAndSlashesIsRefused) {
+  for (const char* bad : {"", "1/5/2004 2:00", "Users", "1/5/2004#", "1/5/2004' OR '1'='1"}) {
+    Statement s = Statement("WHERE DateStamp = ").DateText(bad, ASPDataServer::Access);
+    EXPECT_TRUE(s.refused()) << '"' << bad << '"';
+    EXPECT_THROW(s.CheckedText(), DatabaseError) << bad;
+  }
+}
+
 TEST(Statement, TrueIsMinusOneForAccessAndOneForSqlServer) {
   EXPECT_EQ(Statement("SELECT OwnerKey FROM Users Where Administrator = ")
                 .TrueValue(ASPDataServer::Access)

@@ -16,6 +16,11 @@ TEST(EscapeHtml, OrdinaryTextAndUtf8PassUnchanged) {
   EXPECT_EQ(EscapeHtml(""), "");
 }
 
+TEST(TextOption, PlainAndPreselected) {
+  EXPECT_EQ(TextOption("07", "07", false), "<option class=text value=07 >07</option>");
+  EXPECT_EQ(TextOption("3", "Crew", true), "<option selected class=text value=3 >Crew</option>");
+}
+
 TEST(ReplaceHeight, ReplacesEveryPlaceholderInTheWholePage) {
   Page page;
   page.PageBuffer = "<table height=<height></height>>x<td height=<height></height>>";

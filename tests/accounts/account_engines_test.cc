@@ -1,0 +1,180 @@
+// Account processing and deletion on both engines: the same statements, the group insert that
+// may fail without a word, the flag the first administrator gets, and the deletes.
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+#include "accounts/account_updates.h"
+#include "component/asp_objects.h"
+#include "component/link_keys.h"
+#include "component/page.h"
+#include "data/recordset.h"
+#include "data/statement.h"
+#include "runtime/conversions.h"
+#include "runtime/dates.h"
+#include "tests/data/engines.h"
+
+namespace tidewell {
+namespace {
+
+using ado::Recordset;
+using ado::Statement;
+
+constexpr const char* kAdmin = "0a0a0a0a0a0a0a0a0a0a0a0a0a0a0a0a";
+constexpr const char* kBob = "0b0b0b0b0b0b0b0b0b0b0b0b0b0b0b0b";
+
+template <class Engine>
+class AccountsOnEngine : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    std::string skip = engine_.Start();
+    if (!skip.empty()) GTEST_SKIP() << skip;
+    page_.props.DataServer = Engine::kDialect;
+    page_.props.DefaultStartHour = 14;
+    page_.request = &request_;
+    page_.Screen = screens::kAdministratorOptions;
+    page_.Connection = std::make_shared<ado::Connection>();
+    page_.Connection->Open(engine_.connection_string);
+    page_.Connection->Execute(Statement("INSERT INTO Groups (GroupName) VALUES ('Crew')"));
+    crew_ = GroupId("Crew");
+    AddUser(kAdmin, "admin", true);
+    AddUser(kBob, "bob", false);
+    page_.UserKey = kAdmin;
+    page_.AdminKey = kAdmin;
+  }
+  void TearDown() override {
+    if (page_.Connection) page_.Connection->Close();
+  }
+
+  long GroupId(const std::string& name) {
+    Recordset rs;
+    rs.Open(Statement("SELECT GroupID FROM Groups WHERE GroupName = ").Text(name),
+            *page_.Connection);
+    return rs.Eof() ? 0 : CLng(rs.Fields("GroupID").Value());
+  }
+  void AddUser(const char* key, const char* name, bool administrator) {
+    Recordset rs;
+    rs.Open(Statement("Users"), *page_.Connection, ado::adOpenDynamic, ado::adLockOptimistic);
+    rs.AddNew();
+    rs.Fields("OwnerKey").SetValue(key);
+    rs.Fields("Username").SetValue(name);
+    rs.Fields("Password").SetValue("pw");
+    rs.Fields("Initials").SetValue("XX");
+    rs.Fields("Options").SetValue("1+8+0+0+0");
+    rs.Fields("GroupID").SetValue(crew_);
+    rs.Fields("Administrator").SetValue(administrator);
+    rs.Update();
+    Recordset item;
+    item.Open(Statement("Items"), *page_.Connection, ado::adOpenDynamic, ado::adLockOptimistic);
+    item.AddNew();
+    item.Fields("OwnerKey").SetValue(key);
+    item.Fields("DateStamp").SetValue(DateSerial(2026, 11, 21));
+    item.Fields("TimeStamp").SetValue(9);
+    item.Fields("Heading").SetValue(std::string(name) + "'s item");
+    item.Update();
+  }
+  void Posted(const char* name, const char* initials, const char* new_group) {
+    request_.Form = {{"username", name},
+                     {"initials", initials},
+                     {"groupid", std::to_string(crew_)},
+                     {"newgroup", new_group},
+                     {"loadgroupdata", "1"},
+                     {"userdefaultstarthour", "7"},
+                     {"userhighlighttodaysdate", "1"},
+                     {"userhighlighttodaystime", "0"},
+                     {"usershow12hourday", "1"},
+                     {"defaultview", "2"},
+                     {"password", "new"}};
+  }
+  // "name|password|initials|view|options|administrator|group name" of account `key`.
+  std::string Account(const std::string& key) {
+    Recordset rs;
+    rs.Open(Statement("SELECT * FROM Users WHERE OwnerKey = ").Text(key), *page_.Connection);
+    if (rs.Eof()) return "";
+    const long group = CLng(rs.Fields("GroupID").Value());
+    std::string group_name = "none";
+    Recordset groups;
+    groups.Open(Statement("SELECT GroupName FROM Groups WHERE GroupID = ").Number(group),
+                *page_.Connection);
+    if (!groups.Eof()) group_name = CStr(groups.Fields("GroupName").Value());
+    return CStr(rs.Fields("Username").Value()) + "|" + CStr(rs.Fields("Password").Value()) + "|" +
+           CStr(rs.Fields("Initials").Value()) + "|" + CStr(rs.Fields("DefaultView").Value()) +
+           "|" + CStr(rs.Fields("Options").Value()) + "|" +
+           (CBool(rs.Fields("Administrator").Value()) ? "admin" : "-") + "|" + group_name;
+  }
+  long Count(const char* statement) {
+    Recordset rs;
+    rs.Open(Statement(statement), *page_.Connection);
+    return rs.RecordCount();
+  }
+
+  Engine engine_;
+  AspRequest request_;
+  Page page_;
+  long crew_ = 0;
+};
+
+TYPED_TEST_SUITE(AccountsOnEngine, testing::Engines, testing::EngineNames);
+
+TYPED_TEST(AccountsOnEngine, ANewAccountInANewGroup) {
+  this->Posted("carol", "CA", "Deck");
+  this->page_.NewUserMode = true;
+  ProcessAccount(this->page_, AccountForm::kAdministratorOptions);
+  EXPECT_FALSE(this->page_.ErrorFlag) << this->page_.ErrorText;
+  const std::string carol = this->page_.UserKey;
+  EXPECT_TRUE(IsOwnerKey(carol));
+  EXPECT_EQ(this->Account(carol), "carol|new|CA|2|1+7+1+0+1|-|Deck");
+}
+
+TYPED_TEST(AccountsOnEngine, AGroupNameThatExistsIsJoinedWithoutAWord) {
+  this->Posted("carol", "XX", "Crew");
+  this->page_.NewUserMode = true;
+  ProcessAccount(this->page_, AccountForm::kAdministratorOptions);
+  EXPECT_FALSE(this->page_.ErrorFlag) << this->page_.ErrorText;
+  EXPECT_EQ(this->Account(this->page_.UserKey), "carol|new|XX|2|1+7+1+0+1|-|Crew");
+  EXPECT_EQ(this->Count("SELECT * FROM Groups"), 1);
+}
+
+TYPED_TEST(AccountsOnEngine, TheWelcomeFormsAccountIsAnAdministrator) {
+  this->Posted("first", "FA", "Bridge");
+  this->request_.Form.Add("welcome", "y");
+  this->page_.NewUserMode = true;
+  this->page_.UserKey.clear();
+  ProcessAccount(this->page_, AccountForm::kAdministratorOptions);
+  EXPECT_EQ(this->Account(this->page_.UserKey), "first|new|FA|2|1+7+1+0+1|admin|Bridge");
+}
+
+TYPED_TEST(AccountsOnEngine, InitialsTakenInTheGroupAreRefused) {
+  this->Posted("carol", "XX", "");
+  this->page_.NewUserMode = true;
+  ProcessAccount(this->page_, AccountForm::kAdministratorOptions);
+  EXPECT_EQ(this->page_.ErrorKind, "I");
+  EXPECT_EQ(this->Count("SELECT * FROM Users"), 2);
+}
+
+TYPED_TEST(AccountsOnEngine, AnExistingAccountIsChanged) {
+  this->Posted("robert", "RB", "");
+  this->page_.UserKey = kBob;
+  ProcessAccount(this->page_, AccountForm::kAdministratorOptions);
+  EXPECT_FALSE(this->page_.ErrorFlag) << this->page_.ErrorText;
+  EXPECT_EQ(this->Account(kBob), "robert|new|RB|2|1+7+1+0+1|-|Crew");
+  EXPECT_EQ(this->page_.props.DefaultStartHour, 7);
+}
+
+TYPED_TEST(AccountsOnEngine, DeletingAnotherAccountAndThenOnesOwn) {
+  this->page_.UserKey = kBob;
+  DeleteUser(this->page_, kBob);
+  EXPECT_FALSE(this->page_.ErrorFlag) << this->page_.ErrorText;
+  EXPECT_EQ(this->Account(kBob), "");
+  EXPECT_EQ(this->Count("SELECT * FROM Items"), 1);
+  EXPECT_EQ(this->page_.UserKey, kAdmin);
+  DeleteUser(this->page_, kAdmin);
+  EXPECT_EQ(this->Count("SELECT * FROM Users"), 0);
+  EXPECT_EQ(this->Count("SELECT * FROM Items"), 0);
+  EXPECT_EQ(this->Count("SELECT * FROM Groups"), 0);
+  EXPECT_EQ(this->page_.Screen, screens::kWelcome);
+}
+
+}  // namespace
+}  // namespace tidewell

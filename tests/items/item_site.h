@@ -1,0 +1,135 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "data/connection.h"
+#include "data/recordset.h"
+#include "data/statement.h"
+#include "runtime/conversions.h"
+#include "runtime/dates.h"
+#include "tests/component/site_visit.h"
+#include "tests/data/golden.h"
+
+namespace tidewell::testing {
+
+// An item as the Items table holds it.
+struct StoredItem {
+  long id = 0;
+  std::string owner = "";
+  Date date = {};
+  long hour = 0;
+  std::string time_text = "";
+  std::string heading = "";
+  std::string description = "";
+  bool urgent = false;
+  bool complete = false;
+};
+
+// Requests about items on Saturday 21 November 2026, 2:05 PM (SiteTest's clock and signing):
+// bob and carol of the group Crew, dave of Deck, and the administrator ann of Crew, each with
+// a fixed key so that expected pages can name it.
+class ItemSiteTest : public SiteTest {
+ protected:
+  static constexpr const char* kBob = "0b0b0b0b0b0b0b0b0b0b0b0b0b0b0b0b";
+  static constexpr const char* kCarol = "0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c";
+  static constexpr const char* kDave = "0d0d0d0d0d0d0d0d0d0d0d0d0d0d0d0d";
+  static constexpr const char* kAnn = "0a0a0a0a0a0a0a0a0a0a0a0a0a0a0a0a";
+
+  void SetUp() override {
+    SiteTest::SetUp();
+    deck_ = database_.AddGroup("Deck");
+    database_.AddUser({.key = kAnn,
+                       .name = "ann",
+                       .password = "pw",
+                       .group = crew_,
+                       .administrator = true,
+                       .initials = "AA"});
+    database_.AddUser(
+        {.key = kBob, .name = "bob", .password = "pw", .group = crew_, .initials = "BB"});
+    database_.AddUser(
+        {.key = kCarol, .name = "carol", .password = "pw", .group = crew_, .initials = "CC"});
+    database_.AddUser(
+        {.key = kDave, .name = "dave", .password = "pw", .group = deck_, .initials = "DD"});
+    connection_.Open(database_.connection_string());
+  }
+  void TearDown() override {
+    connection_.Close();
+    SiteTest::TearDown();
+  }
+
+  // Writes an item straight into the table and answers its ItemID.
+  long AddItem(const StoredItem& item) {
+    ado::Recordset rs;
+    rs.Open(ado::Statement("Items"), connection_, ado::adOpenDynamic, ado::adLockOptimistic);
+    rs.AddNew();
+    rs.Fields("OwnerKey").SetValue(item.owner);
+    rs.Fields("DateStamp").SetValue(item.date);
+    rs.Fields("TimeStamp").SetValue(item.hour);
+    rs.Fields("TimeText").SetValue(item.time_text);
+    rs.Fields("Heading").SetValue(item.heading);
+    rs.Fields("Description").SetValue(item.description);
+    rs.Fields("Urgent").SetValue(item.urgent);
+    rs.Fields("Complete").SetValue(item.complete);
+    rs.Update();
+    return CLng(rs.Fields("ItemID").Value());
+  }
+
+  // Every item in the table, in the order they were made.
+  std::vector<StoredItem> Items() {
+    std::vector<StoredItem> items;
+    ado::Recordset rs;
+    rs.Open(ado::Statement("SELECT * FROM Items ORDER BY ItemID"), connection_);
+    for (; !rs.Eof(); rs.MoveNext()) {
+      auto text = [&rs](const char* name) {
+        const Variant& v = rs.Fields(name).Value();
+        return v.IsNull() ? std::string("(null)") : CStr(v);
+      };
+      items.push_back({.id = CLng(rs.Fields("ItemID").Value()),
+                       .owner = text("OwnerKey"),
+                       .date = CDate(rs.Fields("DateStamp").Value()),
+                       .hour = CLng(rs.Fields("TimeStamp").Value()),
+                       .time_text = text("TimeText"),
+                       .heading = text("Heading"),
+                       .description = text("Description"),
+                       .urgent = CBool(rs.Fields("Urgent").Value()),
+                       .complete = CBool(rs.Fields("Complete").Value())});
+    }
+    return items;
+  }
+
+  // The marks the goldens write for signed keys.
+  std::vector<std::pair<std::string, std::string>> Keys() const {
+    return {{"bob", Expected(kBob)}, {"ann", Expected(kAnn)}};
+  }
+
+  ado::Connection connection_;
+  long deck_ = 0;
+};
+
+// The text from `start` up to and including `end`, or "" when the page lacks either.
+inline std::string Between(const std::string& html, const std::string& start,
+                           const std::string& end) {
+  size_t from = html.find(start);
+  if (from == std::string::npos) return "";
+  size_t to = html.find(end, from);
+  if (to == std::string::npos) return "";
+  return html.substr(from, to + end.size() - from);
+}
+
+// The item form as a page shows it: its two scripts (each opened by a CR LF) up to its end
+// comment.
+inline std::string ItemForm(const std::string& html) {
+  return Between(html, "\r\n<script language=javascript>\r\n<!--", "<!-- AddModifyView End -->");
+}
+
+// How often `piece` occurs in `text`.
+inline size_t Occurrences(const std::string& text, const std::string& piece) {
+  size_t n = 0;
+  for (size_t at = text.find(piece); at != std::string::npos; at = text.find(piece, at + 1)) ++n;
+  return n;
+}
+
+}  // namespace tidewell::testing

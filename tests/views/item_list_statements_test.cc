@@ -1,0 +1,143 @@
+// The statements of the item lists, word for word, in both dialects.
+
+#include "views/item_list_statements.h"
+
+#include <gtest/gtest.h>
+
+#include "data/database_error.h"
+#include "views/item_list.h"
+
+namespace tidewell {
+namespace {
+
+using ado::Statement;
+
+constexpr const char* kColumns =
+    "ItemID, Heading, TimeStamp, TimeText, Urgent, Initials, Complete FROM Items INNER JOIN "
+    "Users ON Items.OwnerKey = Users.OwnerKey WHERE DateStamp = ";
+constexpr const char* kDefaultDaySort = "TimeStamp, Initials, Urgent, Heading ASC";
+constexpr const char* kDefaultOtherSort = "UserName, Initials, TimeStamp, Urgent, Heading ASC";
+
+const ListOwner kOwn{"k1", 0};
+const ListOwner kGroup{"k1", 7};
+
+std::string Text(const Statement& statement) {
+  return statement.CheckedText();
+}
+
+TEST(DayListStatement, MonthCellOfOwnItemsInTheAccessDialect) {
+  EXPECT_EQ(Text(DayListStatement(list_modes::kMonthCell, "11/3/2026", 0, kOwn, kDefaultDaySort,
+                                  ASPDataServer::Access)),
+            std::string("SELECT TOP 6 ") + kColumns +
+                "#11/3/2026# AND Items.OwnerKey = 'k1' ORDER BY TimeStamp, Initials, Urgent, "
+                "Heading ASC");
+}
+
+TEST(DayListStatement, MonthCellOfTheGroupInTheAccessDialect) {
+  EXPECT_EQ(Text(DayListStatement(list_modes::kMonthCell, "11/3/2026", 0, kGroup, kDefaultDaySort,
+                                  ASPDataServer::Access)),
+            std::string("SELECT TOP 6 ") + kColumns +
+                "#11/3/2026# AND GroupID = 7 ORDER BY TimeStamp, Initials, Urgent, Heading ASC");
+}
+
+TEST(DayListStatement, MonthCellInTheSqlServerDialect) {
+  EXPECT_EQ(Text(DayListStatement(list_modes::kMonthCell, "11/3/2026", 0, kOwn, kDefaultDaySort,
+                                  ASPDataServer::SQLServer)),
+            std::string("SELECT TOP 6 ") + kColumns +
+                "'11/3/2026' AND Items.OwnerKey = 'k1' ORDER BY TimeStamp, Initials, Urgent, "
+                "Heading ASC");
+  EXPECT_EQ(Text(DayListStatement(list_modes::kMonthCell, "11/3/2026", 0, kGroup, kDefaultDaySort,
+                                  ASPDataServer::SQLServer)),
+            std::string("SELECT TOP 6 ") + kColumns +
+                "'11/3/2026' AND GroupID = 7 ORDER BY TimeStamp, Initials, Urgent, Heading ASC");
+}
+
+TEST(DayListStatement, WeekRowFetchesFive) {
+  EXPECT_EQ(Text(DayListStatement(list_modes::kWeekRow, "1/2/2026", 5, kOwn, kDefaultDaySort,
+                                  ASPDataServer::Access)),
+            std::string("SELECT TOP 5 ") + kColumns +
+                "#1/2/2026# AND Items.OwnerKey = 'k1' ORDER BY TimeStamp, Initials, Urgent, "
+                "Heading ASC");
+}
+
+TEST(DayListStatement, DayRowFetchesThreeOfOneHour) {
+  EXPECT_EQ(Text(DayListStatement(list_modes::kDayRow, "1/2/2026", 14, kOwn, kDefaultDaySort,
+                                  ASPDataServer::Access)),
+            std::string("SELECT TOP 3 ") + kColumns +
+                "#1/2/2026# AND TimeStamp = 14 AND Items.OwnerKey = 'k1' ORDER BY TimeStamp, "
+                "Initials, Urgent, Heading ASC");
+  EXPECT_EQ(Text(DayListStatement(list_modes::kDayRow, "1/2/2026", 14, kGroup, kDefaultDaySort,
+                                  ASPDataServer::SQLServer)),
+            std::string("SELECT TOP 3 ") + kColumns +
+                "'1/2/2026' AND TimeStamp = 14 AND GroupID = 7 ORDER BY TimeStamp, Initials, "
+                "Urgent, Heading ASC");
+}
+
+TEST(TimeTableStatement, ReadsEveryItemOfTheHourWithItsOwner) {
+  EXPECT_EQ(
+      Text(TimeTableStatement("11/3/2026", 9, kOwn, kDefaultOtherSort, ASPDataServer::Access)),
+      "SELECT Items.*, Users.Initials, Users.UserName FROM Items INNER JOIN Users ON "
+      "Items.OwnerKey = Users.OwnerKey WHERE DateStamp = #11/3/2026# AND TimeStamp = 9 AND "
+      "Items.OwnerKey = 'k1' ORDER BY UserName, Initials, TimeStamp, Urgent, Heading ASC");
+  EXPECT_EQ(
+      Text(TimeTableStatement("11/3/2026", 9, kGroup, "TimeText DESC", ASPDataServer::SQLServer)),
+      "SELECT Items.*, Users.Initials, Users.UserName FROM Items INNER JOIN Users ON "
+      "Items.OwnerKey = Users.OwnerKey WHERE DateStamp = '11/3/2026' AND TimeStamp = 9 AND "
+      "GroupID = 7 ORDER BY TimeText DESC");
+}
+
+TEST(GroupScopeStatement, AsksForTheUsersGroup) {
+  EXPECT_EQ(Text(GroupScopeStatement("k1")), "SELECT GroupID FROM Users WHERE OwnerKey = 'k1'");
+}
+
+TEST(ExpandSortCode, WithoutACodeTheDayListsSortByTimeAndTheOthersByUser) {
+  for (long mode : {list_modes::kMonthCell, list_modes::kWeekRow, list_modes::kDayRow}) {
+    EXPECT_EQ(ExpandSortCode("", mode), kDefaultDaySort) << mode;
+  }
+  for (long mode : {list_modes::kTimeTable, list_modes::kItemOwners, list_modes::kSearchOwners}) {
+    EXPECT_EQ(ExpandSortCode("", mode), kDefaultOtherSort) << mode;
+  }
+}
+
+TEST(ExpandSortCode, TheHeadersCodesNameAColumnAndADirection) {
+  EXPECT_EQ(ExpandSortCode("T*D", list_modes::kTimeTable), "TimeText DESC");
+  EXPECT_EQ(ExpandSortCode("T*A", list_modes::kTimeTable), "TimeText ASC");
+  EXPECT_EQ(ExpandSortCode("U*A", list_modes::kTimeTable), "Urgent ASC");
+  EXPECT_EQ(ExpandSortCode("U*D", list_modes::kMonthCell), "Urgent DESC");
+  EXPECT_EQ(ExpandSortCode("I*D", list_modes::kWeekRow), "Initials DESC");
+  EXPECT_EQ(ExpandSortCode("H*A", list_modes::kDayRow), "Heading ASC");
+}
+
+// The rules are plain text replacement, so a code nobody's header made expands as it falls.
+TEST(ExpandSortCode, ReplacementIsPlainText) {
+  EXPECT_EQ(ExpandSortCode("A", list_modes::kTimeTable), "ASC");
+  EXPECT_EQ(ExpandSortCode("HA*H", list_modes::kTimeTable), "HeadingASC Heading");
+  EXPECT_EQ(ExpandSortCode("X*D", list_modes::kTimeTable), "X DESC");
+}
+
+TEST(DayListStatement, AnOrderNoHeaderMakesIsRefused) {
+  for (const char* sort :
+       {"X DESC", "HeadingASC Heading", "TimeText DESC; DELETE FROM Items", "Password ASC"}) {
+    Statement statement =
+        DayListStatement(list_modes::kMonthCell, "11/3/2026", 0, kOwn, sort, ASPDataServer::Access);
+    EXPECT_TRUE(statement.refused()) << sort;
+    EXPECT_THROW(statement.CheckedText(), ado::DatabaseError) << sort;
+  }
+}
+
+// A column's position is what the engine reads ORDER BY 2 as; such an order stays possible.
+TEST(DayListStatement, AnOrderByPositionPasses) {
+  EXPECT_EQ(
+      Text(DayListStatement(list_modes::kMonthCell, "11/3/2026", 0, kOwn, "2",
+                            ASPDataServer::Access)),
+      std::string("SELECT TOP 6 ") + kColumns + "#11/3/2026# AND Items.OwnerKey = 'k1' ORDER BY 2");
+}
+
+TEST(DayListStatement, AKeyWithAQuoteIsRefused) {
+  EXPECT_TRUE(DayListStatement(list_modes::kMonthCell, "11/3/2026", 0, {"x' OR '1'='1", 0},
+                               kDefaultDaySort, ASPDataServer::Access)
+                  .refused());
+}
+
+}  // namespace
+}  // namespace tidewell

@@ -1,0 +1,134 @@
+#include "views/item_list.h"
+
+#include <optional>
+
+#include "component/page.h"
+#include "data/open_database.h"
+#include "data/recordset.h"
+#include "runtime/automation_error.h"
+#include "runtime/conversions.h"
+#include "runtime/date_text.h"
+#include "runtime/dates.h"
+#include "views/item_list_statements.h"
+#include "views/item_rows.h"
+#include "views/option_lists.h"
+
+namespace tidewell {
+namespace {
+
+using ado::Recordset;
+
+// The day a list is for, in the two forms it is needed in.
+struct ListDay {
+  std::string statement_text;  // m/d/yyyy, or the caller's text when it is no date
+  std::string link_text;       // as the regional settings write it, for the links
+};
+
+// The statements splice the date month first whatever the regional settings; the links carry
+// it as the settings write it, so that it reads back as the same day. Text that is no date is
+// spliced unchanged, and the statement fails on it.
+ListDay ReadListDay(std::string& date) {
+  std::optional<Date> day = ParseDateText(date);
+  if (!day) return {date, date};
+  date = ado::StatementDateText(*day);
+  return {date, ShortDateText(*day)};
+}
+
+// The request's connection; a page drawn without one fails as a closed connection fails.
+ado::Connection& ConnectionOf(Page& page) {
+  if (!page.Connection) {
+    throw ado::DatabaseError(ado::error_numbers::kObjectClosed,
+                             "Operation is not allowed when the object is closed.");
+  }
+  return *page.Connection;
+}
+
+// The current user's group when his lists show the whole group, else 0 (his own items).
+long GroupScope(Page& page) {
+  if (!page.User.ShowAllGroupUsers) return 0;
+  Recordset rs;
+  rs.Open(GroupScopeStatement(page.UserKey), ConnectionOf(page));
+  const long group =
+      rs.Eof() || rs.Fields("GroupID").Value().IsNull() ? 0 : CLng(rs.Fields("GroupID").Value());
+  rs.Close();
+  return group;
+}
+
+std::string ItemListOf(Page& page, long mode, const ListDay& day, long hour) {
+  const ListOwner owner{page.UserKey, GroupScope(page)};
+  const std::string sort = ExpandSortCode(page.SortOrder, mode);
+  Recordset rs;
+  std::string list;
+  if (mode == list_modes::kTimeTable) {
+    rs.Open(TimeTableStatement(day.statement_text, hour, owner, sort, page.props.DataServer),
+            ConnectionOf(page));
+    list = TimeTableMarkup(page, day.link_text, hour, sort, rs);
+  } else {
+    rs.Open(DayListStatement(mode, day.statement_text, hour, owner, sort, page.props.DataServer),
+            ConnectionOf(page));
+    list = DayListMarkup(page, mode, day.link_text, rs);
+  }
+  rs.Close();
+  return list;
+}
+
+// The option lists of the forms; mode 8 takes the list's name from the date argument.
+std::string OptionListOf(Page& page, long mode, const std::string& name) {
+  ConnectionOf(page);  // every list below reads through it
+  switch (mode) {
+    case list_modes::kItemOwners:
+      return ItemOwnerOptions(page);
+    case list_modes::kUsersOrGroups:
+      return UserOrGroupOptions(page, name);
+    default:
+      return SearchOwnerOptions(page, GroupScope(page));
+  }
+}
+
+// `date` has been rewritten already.
+std::string ListOf(Page& page, long mode, const std::string& date, long hour, const ListDay& day) {
+  switch (mode) {
+    case list_modes::kMonthCell:
+    case list_modes::kWeekRow:
+    case list_modes::kDayRow:
+    case list_modes::kTimeTable:
+      return ItemListOf(page, mode, day, hour);
+    case list_modes::kItemOwners:
+    case list_modes::kUsersOrGroups:
+    case list_modes::kSearchOwners:
+      return OptionListOf(page, mode, date);
+    default:
+      return "";
+  }
+}
+
+// Runs the list under the list builder's error trap.
+std::string TrappedList(Page& page, long mode, const std::string& date, long hour,
+                        const ListDay& day) {
+  std::string list;
+  try {
+    list = ListOf(page, mode, date, hour, day);
+  } catch (const ado::DatabaseError& error) {
+    TrapListError(page, error);
+    list.clear();
+  } catch (const AutomationError& error) {
+    // A value the run time could not convert stops the list the same way.
+    TrapListError(page, ado::DatabaseError(error.number(), error.what()));
+    list.clear();
+  }
+  return list.empty() ? "&nbsp;" : list;
+}
+
+}  // namespace
+
+std::string BuildItemList(Page& page, long mode, std::string& date, long hour) {
+  const ListDay day = ReadListDay(date);
+  return TrappedList(page, mode, date, hour, day);
+}
+
+std::string BuildItemList(Page& page, long mode, Date day, long hour) {
+  const ListDay list_day{ado::StatementDateText(day), ShortDateText(DateOnly(day))};
+  return TrappedList(page, mode, list_day.statement_text, hour, list_day);
+}
+
+}  // namespace tidewell

@@ -1,0 +1,154 @@
+#include "views/item_list_statements.h"
+
+#include "views/item_list.h"
+
+namespace tidewell {
+namespace {
+
+using ado::Statement;
+
+constexpr const char* kDayListDefaultSort = "TimeStamp, Initials, Urgent, Heading ASC";
+constexpr const char* kOtherListDefaultSort = "UserName, Initials, TimeStamp, Urgent, Heading ASC";
+
+// Every order a list can be asked for: the two defaults and what the time view's headers
+// request. The statement takes the order as fixed text from here.
+constexpr const char* kSortClauses[] = {
+    kDayListDefaultSort, kOtherListDefaultSort, "Urgent ASC",    "Urgent DESC", "TimeText ASC",
+    "TimeText DESC",     "Initials ASC",        "Initials DESC", "Heading ASC", "Heading DESC",
+};
+
+std::string ReplaceAll(std::string text, std::string_view from, std::string_view to) {
+  for (size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size())) {
+    text.replace(at, from.size(), to);
+  }
+  return text;
+}
+
+// Any other order came from a link someone wrote by hand. It stands in the statement as a
+// value without quotes, so the builder lets only a whole number through (a column's position,
+// as the engine reads ORDER BY 2) and refuses the rest: the statement fails as a statement
+// with such an order always failed, and nothing of the text reaches the engine.
+Statement& AddSort(Statement& statement, std::string_view sort) {
+  for (const char* clause : kSortClauses) {
+    if (sort == clause) return statement.Add(clause);
+  }
+  return statement.Number(sort);
+}
+
+// " AND Items.OwnerKey = '" K "' ORDER BY " S, or " AND GroupID = " G " ORDER BY " S.
+Statement& AddOwnerAndSort(Statement& statement, const ListOwner& owner, std::string_view sort) {
+  if (owner.group_id != 0) {
+    statement.Add(" AND GroupID = ").Number(owner.group_id);
+  } else {
+    statement.Add(" AND Items.OwnerKey = ").Text(owner.owner_key);
+  }
+  statement.Add(" ORDER BY ");
+  return AddSort(statement, sort);
+}
+
+Statement DayListBeginning(long mode) {
+  switch (mode) {
+    case list_modes::kMonthCell:
+      return Statement(
+          "SELECT TOP 6 ItemID, Heading, TimeStamp, TimeText, Urgent, Initials, Complete FROM "
+          "Items INNER JOIN Users ON Items.OwnerKey = Users.OwnerKey WHERE DateStamp = ");
+    case list_modes::kWeekRow:
+      return Statement(
+          "SELECT TOP 5 ItemID, Heading, TimeStamp, TimeText, Urgent, Initials, Complete FROM "
+          "Items INNER JOIN Users ON Items.OwnerKey = Users.OwnerKey WHERE DateStamp = ");
+    default:
+      return Statement(
+          "SELECT TOP 3 ItemID, Heading, TimeStamp, TimeText, Urgent, Initials, Complete FROM "
+          "Items INNER JOIN Users ON Items.OwnerKey = Users.OwnerKey WHERE DateStamp = ");
+  }
+}
+
+}  // namespace
+
+Statement GroupScopeStatement(std::string_view owner_key) {
+  return Statement("SELECT GroupID FROM Users WHERE OwnerKey = ").Text(owner_key);
+}
+
+std::string ExpandSortCode(std::string_view code, long mode) {
+  if (code.empty())
+    return mode <= list_modes::kDayRow ? kDayListDefaultSort : kOtherListDefaultSort;
+  std::string sort = ReplaceAll(std::string(code), "A", "ASC");
+  sort = ReplaceAll(std::move(sort), "D", "DESC");
+  switch (code.front()) {
+    case 'U':
+      sort = ReplaceAll(std::move(sort), "U", "Urgent");
+      break;
+    case 'T':
+      sort = ReplaceAll(std::move(sort), "T", "TimeText");
+      break;
+    case 'I':
+      sort = ReplaceAll(std::move(sort), "I", "Initials");
+      break;
+    case 'H':
+      sort = ReplaceAll(std::move(sort), "H", "Heading");
+      break;
+  }
+  return ReplaceAll(std::move(sort), "*", " ");
+}
+
+Statement DayListStatement(long mode, std::string_view date, long hour, const ListOwner& owner,
+                           std::string_view sort, ASPDataServer dialect) {
+  Statement statement = DayListBeginning(mode);
+  statement.DateText(date, dialect);
+  if (mode == list_modes::kDayRow) statement.Add(" AND TimeStamp = ").Number(hour);
+  AddOwnerAndSort(statement, owner, sort);
+  return statement;
+}
+
+Statement TimeTableStatement(std::string_view date, long hour, const ListOwner& owner,
+                             std::string_view sort, ASPDataServer dialect) {
+  Statement statement(
+      "SELECT Items.*, Users.Initials, Users.UserName FROM Items INNER JOIN Users ON "
+      "Items.OwnerKey = Users.OwnerKey WHERE DateStamp = ");
+  statement.DateText(date, dialect).Add(" AND TimeStamp = ").Number(hour);
+  AddOwnerAndSort(statement, owner, sort);
+  return statement;
+}
+
+Statement OneUserStatement(std::string_view owner_key) {
+  return Statement(
+             "SELECT Users.OwnerKey, Users.Username, Users.Administrator, Groups.GroupName FROM "
+             "Users INNER JOIN Groups ON Users.GroupID = Groups.GroupID WHERE Users.OwnerKey = ")
+      .Text(owner_key)
+      .Add(" ORDER BY GroupName, Username ASC");
+}
+
+Statement AllUsersStatement() {
+  return Statement(
+      "SELECT Users.OwnerKey, Users.Username, Users.Administrator, Groups.GroupName FROM Users "
+      "INNER JOIN Groups ON Users.GroupID = Groups.GroupID ORDER BY GroupName, Username ASC");
+}
+
+Statement GroupUsersStatement(long group_id) {
+  return Statement(
+             "SELECT Users.OwnerKey, Users.Username, Users.Administrator, Groups.GroupName FROM "
+             "Users INNER JOIN Groups ON Users.GroupID = Groups.GroupID WHERE Users.GroupID = ")
+      .Number(group_id)
+      .Add(" ORDER BY GroupName, Username ASC");
+}
+
+Statement AdministeredUsersStatement() {
+  return Statement(
+      "SELECT Users.OwnerKey, Users.Administrator, Users.UserName, Groups.GroupName FROM Users "
+      "INNER JOIN Groups ON Users.GroupID = Groups.GroupID ORDER BY Groups.GroupName, "
+      "Users.UserName ASC");
+}
+
+Statement GroupsStatement() {
+  return Statement("SELECT * FROM Groups ORDER BY GroupName ASC");
+}
+
+Statement GroupMembersStatement(long group_id) {
+  return Statement("SELECT GroupID FROM Users WHERE GroupID = ").Number(group_id);
+}
+
+Statement SearchGroupsStatement() {
+  return Statement("SELECT * FROM Groups ORDER BY GroupName");
+}
+
+}  // namespace tidewell

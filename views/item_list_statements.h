@@ -1,0 +1,61 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "component/properties.h"
+#include "data/statement.h"
+
+namespace tidewell {
+
+// The statements of the item lists (item_list.h), one place for each family.
+
+// Whose items a list shows: the owner's own, or, when `group_id` is not 0, every item of the
+// owner's group.
+struct ListOwner {
+  std::string_view owner_key;
+  long group_id = 0;
+};
+
+// The group a user belongs to, read when his lists show the whole group:
+// "SELECT GroupID FROM Users WHERE OwnerKey = '" + key + "'".
+ado::Statement GroupScopeStatement(std::string_view owner_key);
+
+// The ORDER BY text of a list. Without a code, the day lists (modes 0 to 2) sort by
+// "TimeStamp, Initials, Urgent, Heading ASC" and every other list by
+// "UserName, Initials, TimeStamp, Urgent, Heading ASC". A code is expanded by plain text
+// replacement: every "A" becomes "ASC", then every "D" "DESC"; then the column letter the code
+// starts with ("U" Urgent, "T" TimeText, "I" Initials, "H" Heading) is replaced wherever it
+// stands; last every "*" becomes a blank. The time view's headers make the codes ("T*D" sorts
+// by TimeText DESC), so the time column sorts on the text, not on the hour.
+std::string ExpandSortCode(std::string_view code, long mode);
+
+// The items of one day for a month cell (mode 0, TOP 6) or a week row (mode 1, TOP 5), or of
+// one hour of a day for a day view row (mode 2, TOP 3): one row more than the list shows, to
+// tell that more exist. `date` is the m/d/yyyy text the list splices between the dialect's
+// delimiters; `sort` an expanded sort order.
+ado::Statement DayListStatement(long mode, std::string_view date, long hour, const ListOwner& owner,
+                                std::string_view sort, ASPDataServer dialect);
+
+// Every item of one hour with its owner's initials and name, for the time view's table.
+ado::Statement TimeTableStatement(std::string_view date, long hour, const ListOwner& owner,
+                                  std::string_view sort, ASPDataServer dialect);
+
+// --- The option lists (option_lists.h) ---
+
+// One user with his group's name, for the item form of a user working on his own calendar.
+ado::Statement OneUserStatement(std::string_view owner_key);
+// Every user with his group's name.
+ado::Statement AllUsersStatement();
+// The users of one group, for the search of a user who sees his whole group.
+ado::Statement GroupUsersStatement(long group_id);
+// Every user, as the administrator screen lists them.
+ado::Statement AdministeredUsersStatement();
+// Every group by name, for the group lists of the administrator screens.
+ado::Statement GroupsStatement();
+// Whether a group has members: "SELECT GroupID FROM Users WHERE GroupID = " + id.
+ado::Statement GroupMembersStatement(long group_id);
+// Every group by name, for the search list's group entries.
+ado::Statement SearchGroupsStatement();
+
+}  // namespace tidewell

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "data/recordset.h"
+
+namespace tidewell {
+
+struct Page;
+
+// One item as an item list reads it. A column the statement did not select, or that holds
+// Null, reads as "", 0 or false.
+struct ItemRow {
+  long item_id = 0;
+  long hour = 0;  // TimeStamp
+  std::string time_text;
+  std::string heading;
+  std::string initials;
+  bool urgent = false;
+  bool complete = false;
+  // The time view's statement also brings these.
+  std::string owner_key;
+  std::string user_name;
+  std::string description;
+};
+
+// Reads the rows of an item list's recordset: its fields are looked up by name once, then
+// read row after row.
+class ItemReader {
+ public:
+  // The day lists' columns (modes 0 to 2), and with `time_table` also the owner's key and
+  // name and the description the time view shows (mode 3).
+  ItemReader(ado::Recordset& rs, bool time_table);
+  // The recordset's current row.
+  ItemRow Read() const;
+
+ private:
+  ado::Field item_id_, heading_, hour_, time_text_, urgent_, initials_, complete_;
+  std::optional<ado::Field> owner_key_, user_name_, description_;
+};
+
+// Modes 0 to 2: the item links of a month cell, a week row or a day view hour, read from the
+// open recordset, "" when it holds none. `link_date` is the day as the links carry it.
+std::string DayListMarkup(const Page& page, long mode, const std::string& link_date,
+                          ado::Recordset& rs);
+
+// Mode 3: the time view's table of the hour's items, with the sortable headers. `sort` is the
+// expanded sort order the statement used.
+std::string TimeTableMarkup(const Page& page, const std::string& link_date, long hour,
+                            std::string_view sort, ado::Recordset& rs);
+
+}  // namespace tidewell

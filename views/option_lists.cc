@@ -1,0 +1,102 @@
+#include "views/option_lists.h"
+
+#include "component/page.h"
+#include "data/recordset.h"
+#include "data/statement.h"
+#include "frame/markup.h"
+#include "runtime/conversions.h"
+#include "views/item_list_statements.h"
+
+namespace tidewell {
+namespace {
+
+using ado::Recordset;
+using ado::Statement;
+
+std::string TextOf(const Variant& value) {
+  return value.IsNull() || value.IsEmpty() ? "" : CStr(value);
+}
+
+// Every user the statement reads, the one whose key is `selected_key` preselected.
+std::string UserOptions(Page& page, const Statement& statement, std::string_view selected_key) {
+  std::string options;
+  Recordset rs;
+  rs.Open(statement, *page.Connection);
+  for (; !rs.Eof(); rs.MoveNext()) {
+    const std::string key = TextOf(rs.Fields("OwnerKey").Value());
+    const Variant& administrator = rs.Fields("Administrator").Value();
+    options += key == selected_key ? "<option selected " : "<option ";
+    options += !administrator.IsNull() && CBool(administrator) ? "class=admin" : "class=text";
+    options += " value=" + EscapeHtml(key) + " >" +
+               EscapeHtml(TextOf(rs.Fields("GroupName").Value())) + " - " +
+               EscapeHtml(TextOf(rs.Fields("Username").Value())) + "</option>";
+  }
+  rs.Close();
+  return options;
+}
+
+bool HasMembers(Page& page, long group_id) {
+  Recordset rs;
+  rs.Open(GroupMembersStatement(group_id), *page.Connection);
+  return !rs.Eof();
+}
+
+// Every group, `selected_id` preselected; with `only_empty`, only the groups without members.
+std::string GroupOptions(Page& page, long selected_id, bool only_empty) {
+  std::string options;
+  Recordset rs;
+  rs.Open(GroupsStatement(), *page.Connection);
+  for (; !rs.Eof(); rs.MoveNext()) {
+    const long id = CLng(rs.Fields("GroupID").Value());
+    if (only_empty && HasMembers(page, id)) continue;
+    options += TextOption(std::to_string(id), EscapeHtml(TextOf(rs.Fields("GroupName").Value())),
+                          !only_empty && id == selected_id);
+  }
+  rs.Close();
+  return options;
+}
+
+// "- Search Group <name> -" for every group, for an administrator's search.
+std::string SearchGroupOptions(Page& page, std::string_view posted_owner) {
+  std::string options;
+  Recordset rs;
+  rs.Open(SearchGroupsStatement(), *page.Connection);
+  for (; !rs.Eof(); rs.MoveNext()) {
+    const std::string id = std::to_string(CLng(rs.Fields("GroupID").Value()));
+    options += TextOption(
+        id, "- Search Group " + EscapeHtml(TextOf(rs.Fields("GroupName").Value())) + " -",
+        id == posted_owner);
+  }
+  rs.Close();
+  return options;
+}
+
+}  // namespace
+
+std::string ItemOwnerOptions(Page& page) {
+  if (page.AdminKey.empty()) return UserOptions(page, OneUserStatement(page.UserKey), page.UserKey);
+  return UserOptions(page, AllUsersStatement(), page.UserKey);
+}
+
+std::string UserOrGroupOptions(Page& page, std::string_view list_name) {
+  if (list_name == "Users") return UserOptions(page, AdministeredUsersStatement(), page.UserKey);
+  if (list_name == "Groups") return GroupOptions(page, page.UserGroupId, /*only_empty=*/false);
+  if (list_name == "RedundantGroups") return GroupOptions(page, 0, /*only_empty=*/true);
+  return "";
+}
+
+std::string SearchOwnerOptions(Page& page, long group_id) {
+  const std::string posted = page.FormValue("ownerkey");
+  if (!page.AdminKey.empty()) {
+    return TextOption("all", "- Search All Users -", posted == "all") +
+           SearchGroupOptions(page, posted) + UserOptions(page, AllUsersStatement(), posted);
+  }
+  if (page.User.ShowAllGroupUsers && group_id != 0) {
+    const bool everyone = posted.empty() || posted == "all";
+    return TextOption("all", "- Search All Group Users -", everyone) +
+           UserOptions(page, GroupUsersStatement(group_id), posted);
+  }
+  return UserOptions(page, OneUserStatement(page.UserKey), posted);
+}
+
+}  // namespace tidewell
