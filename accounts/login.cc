@@ -58,6 +58,7 @@ void ReadAccount(Page& page, Recordset& rs) {
   user.Options = TextOf(rs.Fields("Options").Value());
   user.Administrator = FlagOf(rs.Fields("Administrator").Value());
   page.UserGroupId = CLng(rs.Fields("GroupID").Value());
+  user.GroupName = TextOf(rs.Fields("GroupName").Value());
   page.UserBanner = "<b>Group:</b> " + EscapeHtml(TextOf(rs.Fields("GroupName").Value())) +
                     " | <b>User:</b> " + EscapeHtml(user.Username);
 }

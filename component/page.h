@@ -48,6 +48,7 @@ struct CurrentUser {
   std::string Username;
   std::string Password;
   std::string Initials;
+  std::string GroupName;  // the name of the group GroupID names, as stored
   long DefaultView = 0;
   bool Administrator = false;
   std::string Options;  // Users.Options as stored: "flag+start hour+date+time+12-hour"

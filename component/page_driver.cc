@@ -3,6 +3,7 @@
 #include "accounts/account_updates.h"
 #include "accounts/administrator_actions.h"
 #include "accounts/administrator_check.h"
+#include "accounts/group_updates.h"
 #include "accounts/login.h"
 #include "component/link_state.h"
 #include "component/page.h"
@@ -86,7 +87,12 @@ void RunPostedActions(Page& page) {
   if (!page.ErrorFlag && page.Screen == screens::kAdministratorOptions) {
     refused = !RunAdministratorAction(page);
   }
-  // 9e: group updates on screen 10.
+  // 9e: the group options screen's buttons: "Back" returns to screen 8, the others are
+  // administrator actions.
+  if (!page.ErrorFlag && page.Screen == screens::kGroupOptions &&
+      !page.FormValue("groupaction").empty()) {
+    refused = !RunGroupAction(page);
+  }
   // 9f: the user's own options, posted from screen 7.
   if (!page.ErrorFlag && page.Screen == screens::kUserOptions &&
       !page.FormValue("action").empty()) {

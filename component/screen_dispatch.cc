@@ -1,7 +1,10 @@
 #include "component/screen_dispatch.h"
 
+#include "accounts/account_help.h"
 #include "accounts/administrator_options_screen.h"
+#include "accounts/group_options_screen.h"
 #include "accounts/login_screen.h"
+#include "accounts/user_options_screen.h"
 #include "accounts/welcome_screen.h"
 #include "data/error_screen.h"
 #include "items/item_form.h"
@@ -24,12 +27,12 @@ const ScreenTable& Screens() {
       AddModifyView,     // 4 item form
       nullptr,           // 5 date picker: drawn alone by the driver
       LoginScreen,       // 6 login
-      nullptr,           // 7 user options
+      UserOptionsView,   // 7 user options
       AdminOptionsView,  // 8 administrator options
       WelcomeScreen,     // 9 welcome
-      nullptr,           // 10 group options
-      nullptr,           // 11 user help
-      nullptr,           // 12 group help
+      GroupOptionsView,  // 10 group options
+      HelpScreenUser,    // 11 user help
+      HelpScreenGroup,   // 12 group help
       HelpScreenItem,    // 13 item help
       ErrorScreen,       // 14 database error
       SearchScreenView,  // 15 search

@@ -4,6 +4,9 @@
 
 #include <filesystem>
 #include <fstream>
+#include <string>
+
+#include <unistd.h>
 
 namespace tidewell {
 namespace {
@@ -11,7 +14,9 @@ namespace {
 class StaticAssetsTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    root_ = std::filesystem::path(::testing::TempDir()) / "tidewell_assets_test";
+    // CTest runs each test in a process of its own, several at once: one folder per process.
+    root_ = std::filesystem::path(::testing::TempDir()) /
+            ("tidewell_assets_test_" + std::to_string(getpid()));
     std::filesystem::create_directories(root_ / "images");
     std::ofstream(root_ / "tidewell.css") << ".text { color: black; }";
     std::ofstream(root_ / "images" / "nav_line.gif", std::ios::binary) << "GIF89a";

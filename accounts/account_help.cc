@@ -1,0 +1,128 @@
+#include "accounts/account_help.h"
+
+#include <cstddef>
+#include <initializer_list>
+#include <string>
+#include <string_view>
+
+#include "component/page.h"
+#include "frame/markup.h"
+
+namespace tidewell {
+namespace {
+
+// An entry of a help text: its heading, then its explanation in dark green. Every entry but
+// the last of its group ends with a line break; a grey rule closes each group.
+struct HelpEntry {
+  const char* heading;
+  const char* text;
+};
+
+void AppendGroup(std::string& out, std::initializer_list<HelpEntry> entries) {
+  std::size_t index = 0;
+  for (const HelpEntry& entry : entries) {
+    ++index;
+    out += "<b>";
+    out += entry.heading;
+    out += "</b><br>";
+    out += "<font color=#006400 >";
+    out += entry.text;
+    out += "</font>";
+    if (index < entries.size()) out += "<br>";
+  }
+  out += "<hr size=1 color=#c0c0c0 >";
+}
+
+// The title bar, the frame with the help icon (no link) and the opening of the text cell.
+// The inner table has no row of its own; browsers supply one.
+void AppendHelpOpening(Page& page, std::string_view start_comment, std::string_view title) {
+  std::string& out = page.PageBuffer;
+  out += start_comment;
+  AppendTitleBar(page, title, TitleCell::kPlain);
+  out +=
+      "<table align=center width=610 height=456 cellpadding=3 cellspacing=0 border=1 "
+      "bordercolor=" +
+      page.props.TidewellColor + ">";
+  out += "<tr bgcolor=#ffffff>";
+  out += "<td class=dtname align=center valign=top width=50 height=456 nowrap><img src=" +
+         page.props.ImagePath + "icon_help.gif width=30 height=30 border=0 align=absmiddle ></td>";
+  out += "<td class=text align=left valign=top width=560 height=456>";
+  out += "<table align=center valign=top width=100% border=0 >";
+  out += "<td class=help align=left valign=top >";
+}
+
+void AppendHelpClosing(Page& page, std::string_view end_comment) {
+  std::string& out = page.PageBuffer;
+  for (int i = 0; i < 2; ++i) {
+    out += "</td>";
+    out += "</tr>";
+    out += "</table>";
+  }
+  out += end_comment;
+  ReplaceHeight(page, ByBrowser(page, /*standard=*/545, /*navigator=*/554, /*opera=*/555));
+}
+
+}  // namespace
+
+void HelpScreenUser(Page& page) {
+  std::string& out = page.PageBuffer;
+  AppendHelpOpening(page, "<!-- HelpScreenUser  Start -->", "Help On User Information.");
+  AppendGroup(
+      out,
+      {{"User:",
+        "This is the user name of the account holder, it is also used as the owner of a "
+        "scheduled item. User Name's can be modified by the administrator, but they must be "
+        "unique. (max 15 chars)"},
+       {"Initials:",
+        "This is the Initials of the user, the administrator can change these, however you "
+        "have to have unique initials within your own group. (max 4 chars)"},
+       {"Group:",
+        "This is the group name assigned to the user. A user can only be assigned to one "
+        "group. The administrator can move the user to other groups or create new groups. (max "
+        "15 chars)"},
+       {"Show All Group Users:",
+        "This indicates whether the user can view other group member items in read only mode "
+        "as well as their own items in read/write mode. The administrator can turn this option "
+        "on or off."}});
+  AppendGroup(
+      out,
+      {{"Start my Days at",
+        "Starts the DayView at the hour you specify. This option is updatable by users if setup "
+        "in the application options, otherwise the administrator can only change this."},
+       {"Highlight Todays Date?",
+        "Highlights todays date on the MonthView and WeekView. This option is updatable by "
+        "users if setup in the application options, otherwise the administrator can only "
+        "change this."},
+       {"Highlight Todays Time?",
+        "Highlights todays time on the DayView. This option is updatable by users if setup in "
+        "the application options, otherwise the administrator can only change this."},
+       {"Show 12 Hour Day?",
+        "Allows you to navigate a day as 12 hours instead of a 24 hours. This option is "
+        "updatable by users if setup in the application options, otherwise the administrator "
+        "can only change this."}});
+  AppendGroup(
+      out, {{"After logging in, show me the MonthView, WeekView, DayView or TimeView page.",
+             "Loads the specified view immediatley after a successful login attempt."},
+            {"Change Password:", "Change or create a password for the account."},
+            {"Confirm Password:", "Confirm your password to be sure it was entered correctly."}});
+  AppendHelpClosing(page, "<!-- HelpScreenUser End -->");
+}
+
+void HelpScreenGroup(Page& page) {
+  std::string& out = page.PageBuffer;
+  AppendHelpOpening(page, "<!-- HelpScreenGroup  Start -->", "Help On Group Information.");
+  AppendGroup(out, {{"New Group Name:",
+                     "Add a new group to the group list so you can assign users to that group "
+                     "when you need to in the future. If no users are assigned to a group, you "
+                     "can delete it by viewing the none assigned groups section."}});
+  AppendGroup(out, {{"Change Group Name:",
+                     "Select the group name to rename and enter the new group name. All users "
+                     "of the old group name will be updated to the new group name."}});
+  AppendGroup(out, {{"None Assigned Groups:",
+                     "This shows a list of all the Groups that do not have any users assigned to "
+                     "them. These groups can be deleted if required by selecting the one to "
+                     "delete and clicking the delete button."}});
+  AppendHelpClosing(page, "<!-- HelpScreenGroup End -->");
+}
+
+}  // namespace tidewell

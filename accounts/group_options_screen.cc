@@ -1,0 +1,103 @@
+#include "accounts/group_options_screen.h"
+
+#include <string>
+#include <string_view>
+
+#include "component/link_codec.h"
+#include "component/page.h"
+#include "frame/markup.h"
+#include "views/item_list.h"
+
+namespace tidewell {
+namespace {
+
+std::string LinkToScreen(const Page& page, long screen) {
+  const std::string f1 = std::to_string(screen) + "/" + std::to_string(page.ReturnView);
+  return BuildLink(page, f1, page.CurrentDate, page.CurrentHour, 0, page.UserKey, page.SortOrder,
+                   page.AdminKey);
+}
+
+// The help icon beside the form leads to the group help screen.
+void AppendGroupHelpColumn(Page& page) {
+  page.PageBuffer +=
+      "<td class=dtname align=center valign=top width=50 height=456 nowrap><a class=text href=" +
+      LinkToScreen(page, screens::kGroupHelp) +
+      " title=\"Show me help for this page.\" ><img src=" + page.props.ImagePath +
+      "icon_help.gif width=30 height=30 border=0 align=absmiddle ></a></td>";
+}
+
+std::string Button(std::string_view value) {
+  return "<input class=text type=submit name=submit value=\"" + std::string(value) + "\" >";
+}
+
+std::string GroupList(Page& page, const char* list_name) {
+  std::string name = list_name;
+  return BuildItemList(page, list_modes::kUsersOrGroups, name, 0);
+}
+
+void AppendRow(std::string& out, std::string_view first_cell, std::string_view middle_cell,
+               std::string_view button_cell) {
+  out += "<tr bgcolor=#DEE7F7>";
+  out += first_cell;
+  out += middle_cell;
+  out += "<td class=text align=center>";
+  out += button_cell;
+}
+
+void AppendGroupTable(Page& page) {
+  std::string& out = page.PageBuffer;
+  out += "<br><table cellpadding=1 cellspacing=1 border=0 width=100%>";
+  AppendRow(out, "<td width=200 class=text><b>New Group Name:</b></td>",
+            "<td class=text><input maxlength=15 class=text type=text name=newgroup size=18 "
+            "></td>",
+            Button("Add"));
+  out += "</td>";
+  out += "</tr>";
+  AppendRow(out, "<td width=200 class=text><b>Change Group Name:</b></td>",
+            "<td class=text><select class=text name=groupid>" + GroupList(page, "Groups") +
+                "</select>&nbsp;<b>To:</b>&nbsp;<input maxlength=15 class=text type=text "
+                "name=groupname size=10 ></td>",
+            Button("Update"));
+  out += "</td>";
+  out += "</tr>";
+  // The list builder answers "&nbsp;" when no group is without members.
+  const std::string unassigned = GroupList(page, "RedundantGroups");
+  const bool none = unassigned == "&nbsp;";
+  AppendRow(out, "<td width=200 class=text><b>None Assigned Groups:</b></td>",
+            "<td class=text height=25>" +
+                (none ? std::string("&nbsp;<font color=#adadad><b>No Groups Unassigned</b></font>")
+                      : "<select class=text name=rgroupid>" + unassigned + "</select>") +
+                "</td>",
+            none ? "&nbsp;" : Button("Delete"));
+  out += "</td>";
+  out += "</tr></table>";
+}
+
+}  // namespace
+
+void GroupOptionsView(Page& page) {
+  std::string& out = page.PageBuffer;
+  out += "<!-- GroupOptionsView  Start -->";
+  AppendTitleBar(page, "Administrator Group Options.", TitleCell::kPlain);
+  out +=
+      "<table align=center width=610 height=456 cellpadding=3 cellspacing=0 border=1 "
+      "bordercolor=" +
+      page.props.TidewellColor + ">";
+  out += "<tr bgcolor=#ffffff>";
+  AppendGroupHelpColumn(page);
+  out += "<td class=text align=left valign=top width=560 height=456>";
+  out += "<form action=" + LinkToScreen(page, screens::kGroupOptions) +
+         " method=post name=groupoptions>";
+  if (page.ErrorFlag) out += "<font color=#b22222><b>" + page.ErrorText + "</b></font>";
+  AppendGroupTable(page);
+  out += "<br>" + Button("Back");
+  out += "<input type=hidden name=groupaction value=u />";
+  out += "</form>";
+  out += "</td>";
+  out += "</tr>";
+  out += "</table>";
+  out += "<!-- GroupOptionsView End -->";
+  ReplaceHeight(page, ByBrowser(page, /*standard=*/545, /*navigator=*/554, /*opera=*/555));
+}
+
+}  // namespace tidewell

@@ -1,0 +1,113 @@
+#include "accounts/user_options_screen.h"
+
+#include <string>
+#include <string_view>
+
+#include "accounts/account_form.h"
+#include "component/link_codec.h"
+#include "component/page.h"
+#include "frame/markup.h"
+
+namespace tidewell {
+namespace {
+
+constexpr const char* kAdministratorMark = "<font color=#b22222><b>(Administrator)</b></font>";
+
+std::string FormActionLink(const Page& page) {
+  const std::string f1 =
+      std::to_string(screens::kUserOptions) + "/" + std::to_string(page.ReturnView);
+  return BuildLink(page, f1, page.CurrentDate, page.CurrentHour, 0, page.UserKey, page.SortOrder,
+                   page.AdminKey);
+}
+
+void AppendRowOpening(std::string& out, std::string_view label) {
+  out += "<tr bgcolor=#DEE7F7>";
+  out += "<td width=200 class=text>";
+  out += label;
+  out += "</td>";
+  out += "<td class=text>";
+}
+
+void AppendRow(std::string& out, std::string_view label, std::string_view value) {
+  AppendRowOpening(out, label);
+  out += value;
+  out += "</td>";
+  out += "</tr>";
+}
+
+// The show-all setting: a select when the user may switch it, the bare word when it is
+// locked by the administrator.
+std::string ShowAllGroupUsersValue(const CurrentUser& user) {
+  if (!user.MayChangeShowAllGroupUsers) return user.ShowAllGroupUsers ? "True" : "False";
+  return BooleanSelect("loadgroupdata", Variant(user.ShowAllGroupUsers ? 1L : 0L),
+                       Selection::kEqual);
+}
+
+// Name, initials, group and the show-all setting; the last row closes the table.
+void AppendAccountTable(Page& page) {
+  const CurrentUser& user = page.User;
+  std::string& out = page.PageBuffer;
+  out += "<br>";
+  out += "<table cellpadding=1 cellspacing=1 border=0 width=100%>";
+  AppendRow(out, "<b>User:</b>",
+            EscapeHtml(user.Username) + "&nbsp;" +
+                (page.UserKey == page.AdminKey ? kAdministratorMark : ""));
+  AppendRow(out, "<b>Initials:</b>", EscapeHtml(user.Initials));
+  AppendRow(out, "<b>Group:</b>", EscapeHtml(user.GroupName));
+  AppendRowOpening(out, "<b>Show All Group Users:</b>");
+  out += ShowAllGroupUsersValue(user);
+  out += "</td>";
+  out += "</tr></table><br>";
+}
+
+Variant Switch(bool on) {
+  return Variant(on ? 1L : 0L);
+}
+
+void AppendDefaultViewRow(Page& page) {
+  std::string& out = page.PageBuffer;
+  out += "<span class=text ><b>After logging in, show me the</b>&nbsp;";
+  out += "<select class=text name=defaultview >";
+  out += DefaultViewOptions(Variant(page.User.DefaultView), Selection::kEqual);
+  out += "</select>&nbsp;<b>page.</b></span><br><br>";
+}
+
+}  // namespace
+
+void UserOptionsView(Page& page) {
+  const CurrentUser& user = page.User;
+  std::string& out = page.PageBuffer;
+
+  AppendPasswordValidator(page, {{"password", "Password"}, {"confirm", "Confirm Password"}});
+  out += "<!-- UserOptionsView  Start -->";
+  AppendTitleBar(page, EscapeHtml(user.Username) + " Options.", TitleCell::kPlain);
+  out +=
+      "<table align=center width=610 height=456 cellpadding=3 cellspacing=0 border=1 "
+      "bordercolor=" +
+      page.props.TidewellColor + ">";
+  out += "<tr bgcolor=#ffffff>";
+  AppendUserHelpColumn(page);
+  out += "<td class=text align=left valign=top width=560 height=456>";
+  out += "<form action=" + FormActionLink(page) +
+         " method=post name=useroptions onsubmit=\"return validator(this)\" >";
+  AppendAccountTable(page);
+  if (page.props.AllowUserOwnDefaults) {
+    AppendDisplayOptionTable(page,
+                             {Variant(user.StartHour), Switch(user.HighlightTodaysDate),
+                              Switch(user.HighlightTodaysTime), Switch(user.Show12HourDay)},
+                             Selection::kEqual);
+  }
+  AppendDefaultViewRow(page);
+  AppendPasswordTable(page, "Change Password:", "&nbsp;&nbsp;Confirm Password:", user.Password);
+  out += "<br>";
+  out += "<input class=text type=submit name=submit value=Update >";
+  out += "<input type=hidden name=action value=u />";
+  out += "</form>";
+  out += "</td>";
+  out += "</tr>";
+  out += "</table>";
+  out += "<!-- UserOptionsView End -->";
+  ReplaceHeight(page, ByBrowser(page, /*standard=*/545, /*navigator=*/554, /*opera=*/555));
+}
+
+}  // namespace tidewell
