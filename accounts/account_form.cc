@@ -74,12 +74,8 @@ std::string DefaultViewOptions(const Variant& current, Selection rule) {
 
 void AppendUserHelpColumn(Page& page) {
   const std::string f1 = std::to_string(screens::kUserHelp) + "/" + std::to_string(page.ReturnView);
-  page.PageBuffer +=
-      "<td class=dtname align=center valign=top width=50 height=456 nowrap><a class=text href=" +
-      BuildLink(page, f1, page.CurrentDate, page.CurrentHour, 0, page.UserKey, page.SortOrder,
-                page.AdminKey) +
-      " title=\"Show me help for this page.\" ><img src=" + page.props.ImagePath +
-      "icon_help.gif width=30 height=30 border=0 align=absmiddle ></a></td>";
+  AppendHelpColumn(page, BuildLink(page, f1, page.CurrentDate, page.CurrentHour, 0, page.UserKey,
+                                   page.SortOrder, page.AdminKey));
 }
 
 void AppendDisplayOptionTable(Page& page, const DisplaySettings& settings, Selection rule) {

@@ -19,11 +19,7 @@ std::string LinkToScreen(const Page& page, long screen) {
 
 // The help icon beside the form leads to the group help screen.
 void AppendGroupHelpColumn(Page& page) {
-  page.PageBuffer +=
-      "<td class=dtname align=center valign=top width=50 height=456 nowrap><a class=text href=" +
-      LinkToScreen(page, screens::kGroupHelp) +
-      " title=\"Show me help for this page.\" ><img src=" + page.props.ImagePath +
-      "icon_help.gif width=30 height=30 border=0 align=absmiddle ></a></td>";
+  AppendHelpColumn(page, LinkToScreen(page, screens::kGroupHelp));
 }
 
 std::string Button(std::string_view value) {

@@ -168,4 +168,12 @@ void AppendDatePickerScript(Page& page) {
   line("</script>");
 }
 
+void AppendHelpColumn(Page& page, std::string_view help_link) {
+  page.PageBuffer +=
+      "<td class=dtname align=center valign=top width=50 height=456 nowrap><a class=text href=";
+  page.PageBuffer += help_link;
+  page.PageBuffer += " title=\"Show me help for this page.\" ><img src=" + page.props.ImagePath +
+                     "icon_help.gif width=30 height=30 border=0 align=absmiddle ></a></td>";
+}
+
 }  // namespace tidewell

@@ -39,6 +39,9 @@ void AppendTitleBar(Page& page, std::string_view title, TitleCell first_cell);
 // `label` is markup: a caller showing a user's text escapes it first.
 std::string TextOption(std::string_view value, std::string_view label, bool selected);
 
+// The left column of a form screen: the help icon, linked to the screen's help.
+void AppendHelpColumn(Page& page, std::string_view help_link);
+
 // The Tidewell logo followed by a grey rule, as the sign-in screens open their text.
 void AppendLogo(Page& page);
 

@@ -55,13 +55,6 @@ std::string PickerLink(const Page& page, const std::string& field_value, const c
 
 // --- Markup ---
 
-void AppendHelpCell(Page& page) {
-  page.PageBuffer +=
-      "<td class=dtname align=center valign=top width=50 height=456 nowrap><a class=text href=" +
-      HelpLink(page) + " title=\"Show me help for this page.\" ><img src=" + page.props.ImagePath +
-      "icon_help.gif width=30 height=30 border=0 align=absmiddle ></a></td>";
-}
-
 void AppendOwnerList(Page& page) {
   std::string no_date;
   page.PageBuffer += "Owner:<br>";
@@ -121,7 +114,7 @@ void SearchScreenView(Page& page) {
       "bordercolor=" +
       page.props.TidewellColor + ">";
   out += "<tr bgcolor=#ffffff>";
-  AppendHelpCell(page);
+  AppendHelpColumn(page, HelpLink(page));
   out += "<td class=text align=left valign=top width=560 height=456>";
   out += "<form action=" + FormActionLink(page) +
          " method=post name=searchscreen onsubmit=\"return validator(this)\" >";
