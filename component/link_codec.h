@@ -17,6 +17,10 @@ struct Page;
 std::string BuildLink(const Page& page, const Variant& f1, const Variant& f2, const Variant& f3,
                       const Variant& f4, std::string_view f5, const Variant& f6,
                       std::string_view f7, std::string_view suffix = "");
+// The same link written at the end of `out`.
+void AppendLink(std::string& out, const Page& page, const Variant& f1, const Variant& f2,
+                const Variant& f3, const Variant& f4, std::string_view f5, const Variant& f6,
+                std::string_view f7, std::string_view suffix = "");
 
 // With hex on, each byte becomes two upper-case hex digits ("~" is "7E"); with hex off the
 // text passes unchanged. Working on bytes keeps every UTF-8 character intact.

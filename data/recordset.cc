@@ -83,6 +83,10 @@ std::string SingleTableOf(std::string_view statement) {
 }
 
 std::optional<size_t> FindName(const std::vector<std::string>& names, std::string_view name) {
+  // Callers mostly write a column's name as the statement did: that is found without folding.
+  for (size_t i = 0; i < names.size(); ++i) {
+    if (names[i] == name) return i;
+  }
   for (size_t i = 0; i < names.size(); ++i) {
     if (EqualsIgnoringCase(names[i], name)) return i;
   }

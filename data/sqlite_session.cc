@@ -113,7 +113,7 @@ class SqliteSession : public Session {
     if (path_ != ":memory:") file_ = IdentityOf(path_);
   }
   ~SqliteSession() override {
-    for (auto& [text, stmt] : statements_) sqlite3_finalize(stmt);
+    for (auto& [text, cached] : statements_) sqlite3_finalize(cached.stmt);
     sqlite3_close_v2(db_);
   }
 
@@ -172,8 +172,8 @@ class SqliteSession : public Session {
   // A prepared statement for the text: from the cache, or prepared now and cached.
   sqlite3_stmt* Prepared(const std::string& text) {
     if (auto found = statements_.find(text); found != statements_.end()) {
-      recent_.splice(recent_.begin(), recent_, positions_[text]);
-      return found->second;
+      recent_.splice(recent_.begin(), recent_, found->second.position);
+      return found->second.stmt;
     }
     sqlite3_stmt* stmt = nullptr;
     const char* tail = nullptr;
@@ -195,16 +195,14 @@ class SqliteSession : public Session {
 
   void Remember(const std::string& text, sqlite3_stmt* stmt) {
     if (statements_.size() >= kStatementCacheSize) {
-      const std::string& oldest = recent_.back();
-      columns_.erase(statements_[oldest]);
-      sqlite3_finalize(statements_[oldest]);
+      auto oldest = statements_.find(recent_.back());
+      columns_.erase(oldest->second.stmt);
+      sqlite3_finalize(oldest->second.stmt);
       statements_.erase(oldest);
-      positions_.erase(oldest);
       recent_.pop_back();
     }
-    statements_[text] = stmt;
     recent_.push_front(text);
-    positions_[text] = recent_.begin();
+    statements_[text] = {stmt, recent_.begin()};
   }
 
   void Bind(sqlite3_stmt* stmt, int index, const Variant& value) {
@@ -326,9 +324,12 @@ class SqliteSession : public Session {
   sqlite3* db_;
   std::string path_;
   std::optional<FileIdentity> file_;
-  std::unordered_map<std::string, sqlite3_stmt*> statements_;
+  struct CachedStatement {
+    sqlite3_stmt* stmt;
+    std::list<std::string>::iterator position;  // in recent_
+  };
+  std::unordered_map<std::string, CachedStatement> statements_;
   std::list<std::string> recent_;  // most recently used first
-  std::unordered_map<std::string, std::list<std::string>::iterator> positions_;
   // Keyed by the Access text; looked up with a string_view, so a hit copies nothing.
   struct TextHash {
     using is_transparent = void;

@@ -1,52 +1,56 @@
 #include "frame/markup.h"
 
-#include <algorithm>
-#include <functional>
+#include <string.h>
+
 #include <span>
 
 #include "component/page.h"
 
 namespace tidewell {
 
-std::string EscapeHtml(std::string_view text) {
-  // Most text has nothing to escape and is copied whole.
-  auto special = [](char c) { return c == '&' || c == '<' || c == '>' || c == '"'; };
-  if (std::none_of(text.begin(), text.end(), special)) return std::string(text);
-  std::string escaped;
-  escaped.reserve(text.size());
-  for (char c : text) {
-    switch (c) {
+void AppendEscapedHtml(std::string& out, std::string_view text) {
+  // Runs with nothing to escape, most text, are copied whole.
+  size_t from = 0;
+  for (size_t at = text.find_first_of("&<>\"", from); at != std::string_view::npos;
+       at = text.find_first_of("&<>\"", from)) {
+    out.append(text.data() + from, at - from);
+    switch (text[at]) {
       case '&':
-        escaped += "&amp;";
+        out += "&amp;";
         break;
       case '<':
-        escaped += "&lt;";
+        out += "&lt;";
         break;
       case '>':
-        escaped += "&gt;";
-        break;
-      case '"':
-        escaped += "&quot;";
+        out += "&gt;";
         break;
       default:
-        escaped += c;
+        out += "&quot;";
     }
+    from = at + 1;
   }
+  out.append(text.data() + from, text.size() - from);
+}
+
+std::string EscapeHtml(std::string_view text) {
+  std::string escaped;
+  escaped.reserve(text.size());
+  AppendEscapedHtml(escaped, text);
   return escaped;
 }
 
 void ReplaceHeight(Page& page, long height) {
   static constexpr std::string_view kPlaceholder = "<height></height>";
-  // The page is searched whole, tens of kilobytes after a month view: with a searcher that
-  // skips ahead by the placeholder's length rather than stopping at every "<".
-  static const std::boyer_moore_horspool_searcher searcher(kPlaceholder.begin(),
-                                                           kPlaceholder.end());
+  // The page is searched whole, tens of kilobytes after a month view, and has a "<" every few
+  // bytes: the C library's memmem skips through it by pairs of bytes rather than stopping at
+  // each of them.
   const std::string value = std::to_string(height);
   std::string& out = page.PageBuffer;
-  for (size_t from = 0;;) {
-    const auto at = std::search(out.begin() + static_cast<long>(from), out.end(), searcher);
-    if (at == out.end()) return;
-    const size_t offset = static_cast<size_t>(at - out.begin());
+  for (size_t from = 0; from < out.size();) {
+    const void* found = ::memmem(out.data() + from, out.size() - from, kPlaceholder.data(),
+                                 kPlaceholder.size());
+    if (found == nullptr) return;
+    const size_t offset = static_cast<size_t>(static_cast<const char*>(found) - out.data());
     out.replace(offset, kPlaceholder.size(), value);
     from = offset + value.size();
   }

@@ -15,6 +15,8 @@ struct Page;
 // safe to stand in the page: "&", "<", ">" and the double quote become entities. Fixed markup
 // never passes through here.
 std::string EscapeHtml(std::string_view text);
+// The same, written at the end of `out`.
+void AppendEscapedHtml(std::string& out, std::string_view text);
 
 // The frame writes the outer table's height as the placeholder "<height></height>"; the screen
 // drawn replaces every occurrence in the whole page with its own height.

@@ -159,11 +159,24 @@ std::optional<std::vector<Token>> SlashedNumbers(std::string_view text) {
 }  // namespace
 
 std::string ShortDateText(Date d) {
+  // Written into one string: a month view asks for some hundred of these.
   const RegionalSettings& r = Regional();
-  std::string day = r.padded_day_month ? TwoDigits(Day(d)) : std::to_string(Day(d));
-  std::string month = r.padded_day_month ? TwoDigits(Month(d)) : std::to_string(Month(d));
-  std::string year = std::to_string(Year(d));
-  return r.month_first ? month + "/" + day + "/" + year : day + "/" + month + "/" + year;
+  const YearMonthDay ymd = CalendarDay(d);
+  auto append_part = [&r](std::string& text, int n) {
+    if (r.padded_day_month || n >= 10) {
+      text += TwoDigits(n);
+    } else {
+      text += static_cast<char>('0' + n);
+    }
+  };
+  std::string text;
+  text.reserve(10);
+  append_part(text, r.month_first ? ymd.month : ymd.day);
+  text += '/';
+  append_part(text, r.month_first ? ymd.day : ymd.month);
+  text += '/';
+  text += std::to_string(ymd.year);
+  return text;
 }
 
 std::string LongTimeText(Date d) {

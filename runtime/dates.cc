@@ -88,6 +88,11 @@ Date Combine(Date day, Date time_of_day) {
   return Date{std::floor(day.serial) + (time_of_day.serial - std::floor(time_of_day.serial))};
 }
 
+YearMonthDay CalendarDay(Date d) {
+  const Civil c = CivilOf(d);
+  return {c.year, c.month, c.day};
+}
+
 int Year(Date d) {
   return CivilOf(d).year;
 }

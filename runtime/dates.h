@@ -15,6 +15,14 @@ Date DateSerial(int year, int month, int day);
 Date TimeSerial(int hour, int minute, int second);
 Date Combine(Date day, Date time_of_day);
 
+struct YearMonthDay {
+  int year;
+  int month;
+  int day;
+};
+// The three at once, for callers that need them all.
+YearMonthDay CalendarDay(Date d);
+
 int Year(Date d);
 int Month(Date d);
 int Day(Date d);

@@ -30,74 +30,92 @@ ListLimit LimitOf(long mode) {
 
 // A month cell has room for 7 characters: a longer heading shows its first 7 and "..".
 // Characters, not bytes, so that a heading in any script is cut between two of them.
-std::string CellHeading(const std::string& heading) {
+void AppendCellHeading(std::string& out, std::string_view heading) {
   size_t characters = 0;
   for (size_t i = 0; i < heading.size(); ++i) {
     if ((static_cast<unsigned char>(heading[i]) & 0xC0) == 0x80) continue;
-    if (characters == 7) return heading.substr(0, i) + "..";
+    if (characters == 7) {
+      AppendEscapedHtml(out, heading.substr(0, i));
+      out += "..";
+      return;
+    }
     ++characters;
   }
-  return heading;
+  AppendEscapedHtml(out, heading);
 }
 
 // "09:15 - Heading (AB)": the long form of the week and day views and of every title.
-std::string LongText(const ItemRow& row) {
-  return row.time_text + " - " + row.heading + " (" + row.initials + ")";
+void AppendLongText(std::string& out, const ItemRow& row) {
+  AppendEscapedHtml(out, row.time_text);
+  out += " - ";
+  AppendEscapedHtml(out, row.heading);
+  out += " (";
+  AppendEscapedHtml(out, row.initials);
+  out += ")";
 }
 
-// A complete item in the completed colour, struck through when the page asks for it.
-std::string Completed(const Page& page, const std::string& text) {
-  const std::string shown =
-      page.props.CompletedItemCrossOut ? "<strike>" + text + "</strike>" : text;
-  return "<font color=" + page.props.CompletedItemColor + " >" + shown + "</font>";
-}
-
-// The link to the item in the time view of its hour, where it is shown selected.
-std::string ItemLink(const Page& page, long mode, const std::string& link_date,
-                     const ItemRow& row) {
-  const std::string long_text = EscapeHtml(LongText(row));
-  std::string text =
-      mode == list_modes::kMonthCell ? EscapeHtml(CellHeading(row.heading)) : long_text;
-  if (row.complete) text = Completed(page, text);
-  std::string item;
-  item.reserve(512);
-  item += "<a class=text href=";
-  item += BuildLink(page, "3", link_date, row.hour, row.item_id, page.UserKey, page.SortOrder,
-                    page.AdminKey);
-  item += " title=\"";
-  item += long_text;
-  if (row.urgent) item += " ! ";
-  item += "\">";
-  item += text;
-  item += "</a>";
-  if (row.urgent && mode != list_modes::kMonthCell) {
-    item += "&nbsp;<img src=";
-    item += page.props.ImagePath;
-    item += "icon_urgent.gif width=6 height=12 border=0 alt=Urgent >";
+// The link to the item in the time view of its hour, where it is shown selected. A complete
+// item is in the completed colour, struck through when the page asks for it.
+void AppendItemLink(std::string& out, const Page& page, long mode, const std::string& link_date,
+                    const ItemRow& row) {
+  const bool cross_out = row.complete && page.props.CompletedItemCrossOut;
+  out += "<a class=text href=";
+  AppendLink(out, page, "3", link_date, row.hour, row.item_id, page.UserKey, page.SortOrder,
+             page.AdminKey);
+  out += " title=\"";
+  AppendLongText(out, row);
+  if (row.urgent) out += " ! ";
+  out += "\">";
+  if (row.complete) {
+    out += "<font color=";
+    out += page.props.CompletedItemColor;
+    out += " >";
   }
-  return item;
-}
-
-// The last item shown when more exist, beside a link to all of them: the day view of the date
-// from a month cell or a week row, the time view of the hour from a day view row.
-std::string WithMoreLink(const Page& page, long mode, const std::string& link_date,
-                         const ItemRow& row, const std::string& item) {
+  if (cross_out) out += "<strike>";
   if (mode == list_modes::kMonthCell) {
-    return "<table cellspacing=0 cellpadding=0 border=0><tr><td align=left width=70>" + item +
-           "</td><td align=right width=18><a class=text href=" +
-           BuildLink(page, "2", link_date, page.props.DefaultStartHour, 0, page.UserKey,
-                     page.SortOrder, page.AdminKey) +
-           " title=\"Show All Items.\"><img src=" + page.props.ImagePath +
-           "nav_more.gif width=16 height=16 align=absmiddle border=0 ></a></td></tr></table>";
+    AppendCellHeading(out, row.heading);
+  } else {
+    AppendLongText(out, row);
   }
-  const std::string link = mode == list_modes::kWeekRow
-                               ? BuildLink(page, "2", link_date, page.props.DefaultStartHour, 0,
-                                           page.UserKey, page.SortOrder, page.AdminKey)
-                               : BuildLink(page, "3", link_date, row.hour, 0, page.UserKey,
-                                           page.SortOrder, page.AdminKey);
-  return "<table cellspacing=0 cellpadding=0 border=0><tr><td align=left width=520>" + item +
-         "</td><td align=right width=40><a class=text href=" + link +
-         " title=\"Show All Items.\">[More..]</a></td></tr></table>";
+  if (cross_out) out += "</strike>";
+  if (row.complete) out += "</font>";
+  out += "</a>";
+  if (row.urgent && mode != list_modes::kMonthCell) {
+    out += "&nbsp;<img src=";
+    out += page.props.ImagePath;
+    out += "icon_urgent.gif width=6 height=12 border=0 alt=Urgent >";
+  }
+}
+
+// The last item shown when more exist stands in a small table beside a link to all of them:
+// the day view of the date from a month cell or a week row, the time view of the hour from a
+// day view row.
+void AppendMoreOpening(std::string& out, long mode) {
+  out += mode == list_modes::kMonthCell
+             ? "<table cellspacing=0 cellpadding=0 border=0><tr><td align=left width=70>"
+             : "<table cellspacing=0 cellpadding=0 border=0><tr><td align=left width=520>";
+}
+
+void AppendMoreClosing(std::string& out, const Page& page, long mode,
+                       const std::string& link_date, const ItemRow& row) {
+  if (mode == list_modes::kMonthCell) {
+    out += "</td><td align=right width=18><a class=text href=";
+    AppendLink(out, page, "2", link_date, page.props.DefaultStartHour, 0, page.UserKey,
+               page.SortOrder, page.AdminKey);
+    out += " title=\"Show All Items.\"><img src=";
+    out += page.props.ImagePath;
+    out += "nav_more.gif width=16 height=16 align=absmiddle border=0 ></a></td></tr></table>";
+    return;
+  }
+  out += "</td><td align=right width=40><a class=text href=";
+  if (mode == list_modes::kWeekRow) {
+    AppendLink(out, page, "2", link_date, page.props.DefaultStartHour, 0, page.UserKey,
+               page.SortOrder, page.AdminKey);
+  } else {
+    AppendLink(out, page, "3", link_date, row.hour, 0, page.UserKey, page.SortOrder,
+               page.AdminKey);
+  }
+  out += " title=\"Show All Items.\">[More..]</a></td></tr></table>";
 }
 
 }  // namespace
@@ -111,13 +129,13 @@ std::string DayListMarkup(const Page& page, long mode, const std::string& link_d
   const ItemReader reader(rs, /*time_table=*/false);
   for (long written = 1; !rs.Eof(); ++written) {
     const ItemRow row = reader.Read();
-    std::string item = ItemLink(page, mode, link_date, row);
     const bool last = more && written == limit.shown;
-    if (last) item = WithMoreLink(page, mode, link_date, row, item);
     // A month cell starts each item on a new line below the day number; the week and day
     // rows end each with a break, and the last break is cut below.
     if (mode == list_modes::kMonthCell) list += "<br>";
-    list += item;
+    if (last) AppendMoreOpening(list, mode);
+    AppendItemLink(list, page, mode, link_date, row);
+    if (last) AppendMoreClosing(list, page, mode, link_date, row);
     if (mode != list_modes::kMonthCell) list += "<br>";
     if (last) break;
     rs.MoveNext();

@@ -3,6 +3,7 @@
 #include "component/page.h"
 #include "runtime/conversions.h"
 #include "runtime/dates.h"
+#include "runtime/regional_settings.h"
 
 namespace tidewell {
 
@@ -36,6 +37,12 @@ void AppendViewBody(Page& page) {
 }
 
 Date GridDate(int month, int day, int year, bool month_first, bool padded) {
+  // Written in the settings' own order, a real day reads back as itself: a month view makes
+  // dozens of these, and they are spared the round trip through text.
+  if (month_first == Regional().month_first && year >= 100 && year <= 9999 &&
+      IsValidCalendarDate(year, month, day)) {
+    return DateSerial(year, month, day);
+  }
   const std::string d = padded ? FormatTwoDigits(day) : std::to_string(day);
   const std::string m = padded ? FormatTwoDigits(month) : std::to_string(month);
   const std::string y = std::to_string(year);
