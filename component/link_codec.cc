@@ -109,8 +109,6 @@ void AppendLink(std::string& out, const Page& page, const Variant& f1, const Var
   // A month view writes some hundreds of links: each is encoded straight into its place, the
   // fields between the keys a run at a time.
   const bool hex = page.props.HexQueryString;
-  out.reserve(out.size() + page.ScriptName.size() + 3 +
-              (hex ? 2 : 1) * (96 + f5.size() + f7.size()));
   out += page.ScriptName;
   out += "WS=";
   std::string fields = "~";
@@ -134,6 +132,8 @@ std::string BuildLink(const Page& page, const Variant& f1, const Variant& f2, co
                       const Variant& f4, std::string_view f5, const Variant& f6,
                       std::string_view f7, std::string_view suffix) {
   std::string link;
+  link.reserve(page.ScriptName.size() + 3 +
+               (page.props.HexQueryString ? 2 : 1) * (96 + f5.size() + f7.size()));
   AppendLink(link, page, f1, f2, f3, f4, f5, f6, f7, suffix);
   return link;
 }
