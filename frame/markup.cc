@@ -10,9 +10,10 @@ namespace tidewell {
 
 void AppendEscapedHtml(std::string& out, std::string_view text) {
   // Runs with nothing to escape, most text, are copied whole.
+  auto special = [](char c) { return c == '&' || c == '<' || c == '>' || c == '"'; };
   size_t from = 0;
-  for (size_t at = text.find_first_of("&<>\"", from); at != std::string_view::npos;
-       at = text.find_first_of("&<>\"", from)) {
+  for (size_t at = 0; at < text.size(); ++at) {
+    if (!special(text[at])) continue;
     out.append(text.data() + from, at - from);
     switch (text[at]) {
       case '&':
