@@ -9,6 +9,7 @@ std::string DefaultPageTemplate() {
          "<meta http-equiv=\"Content-Type\" content=\"text/html; charset=utf-8\">\n"
          "<title>Tidewell</title>\n"
          "<link rel=\"stylesheet\" type=\"text/css\" href=\"tidewell.css\">\n"
+         "<link rel=\"icon\" type=\"image/gif\" href=\"images/icon_tidewell.gif\">\n"
          "</head>\n"
          "<body>\n"
          "{{tidewell}}\n"

@@ -23,7 +23,7 @@ namespace {
 
 std::vector<DrawnImage> DrawAll() {
   std::vector<DrawnImage> all;
-  for (auto draw : {DrawNavigationImages, DrawTabImages, DrawIconImages, DrawLogoImage}) {
+  for (auto draw : {DrawNavigationImages, DrawTabImages, DrawIconImages, DrawLogoImage, DrawPageIcon}) {
     for (DrawnImage& image : draw()) all.push_back(std::move(image));
   }
   return all;

@@ -36,5 +36,7 @@ std::vector<DrawnImage> DrawTabImages();
 std::vector<DrawnImage> DrawIconImages();
 // The product logo on the login and welcome screens.
 std::vector<DrawnImage> DrawLogoImage();
+// The page icon browsers show on the tab and in bookmarks: the logo's calendar sheet.
+std::vector<DrawnImage> DrawPageIcon();
 
 }  // namespace tidewell::tools

@@ -25,7 +25,8 @@ struct ExpectedImage {
   int height;
 };
 
-// Sizes as the width and height attributes of the pages' <img> tags give them.
+// Sizes as the width and height attributes of the pages' <img> tags give them; the page icon
+// that the page template links is the 32×32 browsers draw on a tab.
 constexpr ExpectedImage kImages[] = {
     {"nav_additem", 49, 31},    {"nav_search", 49, 31},       {"nav_options", 49, 31},
     {"nav_admin", 49, 31},      {"nav_login", 49, 31},        {"nav_prev_year", 40, 25},
@@ -35,7 +36,7 @@ constexpr ExpectedImage kImages[] = {
     {"icon_urgent", 6, 12},     {"icon_urgent_title", 6, 14}, {"icon_help", 30, 30},
     {"icon_dpicker", 16, 16},   {"tb_left_sel", 5, 21},       {"tb_right_sel", 5, 21},
     {"tb_left_sns", 5, 21},     {"tb_left_ns", 5, 21},        {"tb_right", 5, 21},
-    {"tb_space", 1, 1},         {"logo_tidewell", 270, 103},
+    {"tb_space", 1, 1},         {"logo_tidewell", 270, 103},  {"icon_tidewell", 32, 32},
 };
 
 void PrintTo(const ExpectedImage& image, std::ostream* out) {

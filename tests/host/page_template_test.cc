@@ -9,6 +9,9 @@ TEST(PageTemplate, DefaultLinksTheStyleSheetAndDeclaresUtf8) {
   std::string page = DefaultPageTemplate();
   EXPECT_TRUE(IsPageTemplate(page));
   EXPECT_NE(page.find("href=\"tidewell.css\""), std::string::npos);
+  // A page icon of our own, so that browsers do not ask for /favicon.ico.
+  EXPECT_NE(page.find("<link rel=\"icon\" type=\"image/gif\" href=\"images/icon_tidewell.gif\">"),
+            std::string::npos);
   EXPECT_NE(page.find("charset=utf-8"), std::string::npos);
   // The transitional document type without a system identifier keeps the table layouts in
   // the browsers' compatibility mode.
