@@ -37,7 +37,8 @@ HostAnswer RunComponent(const PageConfig& page, const LinkSigning& signing,
     return {400, "text/plain; charset=utf-8",
             "Bad request: run-time error " + std::to_string(e.number()) + ", " + e.what() + ".\n"};
   }
-  return {200, "text/html; charset=utf-8", FillPageTemplate(page.page_template, response.body())};
+  return {200, "text/html; charset=utf-8",
+          FillPageTemplate(page.page_template, SettleFrameHeight(response.body()))};
 }
 
 std::string ViewComponentSource(const PageConfig& page, const LinkSigning& signing,

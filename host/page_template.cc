@@ -23,6 +23,16 @@ bool IsPageTemplate(std::string_view text) {
          text.find(kComponentMarker, first + 1) == std::string_view::npos;
 }
 
+std::string SettleFrameHeight(std::string component_output) {
+  static constexpr std::string_view kPlaceholder = "<height></height>";
+  static constexpr std::string_view kFormHeight = "545";
+  for (size_t at = component_output.find(kPlaceholder); at != std::string::npos;
+       at = component_output.find(kPlaceholder, at + kFormHeight.size())) {
+    component_output.replace(at, kPlaceholder.size(), kFormHeight);
+  }
+  return component_output;
+}
+
 std::string FillPageTemplate(std::string_view page_template, std::string_view component_output) {
   size_t at = page_template.find(kComponentMarker);
   if (at == std::string_view::npos) return std::string(component_output);

@@ -109,6 +109,10 @@ TEST_F(ItemsOverHttp, AddEditAndDeleteShowInEveryView) {
   // Add: the form from the header's button, posted with the boxes a browser sends.
   std::string form = Get(LinkTitled(month, "Add New Item"));
   ASSERT_NE(form.find("&nbsp;<b>Add Item to Schedule.</b>"), std::string::npos);
+  // The form leaves the frame's height to the host, which gives it the form screens' height.
+  EXPECT_NE(form.find("width=620 height=545 cellpadding=0 cellspacing=0 border=0>"),
+            std::string::npos);
+  EXPECT_EQ(form.find("<height></height>"), std::string::npos);
   EXPECT_EQ(SelectedValue(form), bob_);
   std::string action = FormAction(form);
   EXPECT_EQ(LinkFields(action, true).at(1), "4/0");
