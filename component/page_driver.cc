@@ -54,6 +54,11 @@ void LogIn(Page& page) {
   } else if (!page.FormValue("login").empty()) {
     page.UserKey = LoginUser(page, page.FormValue("username"), page.FormValue("password"));
   }
+  // The logout link carries the present date and time, and so does the login form it leads
+  // to. The calendar a user signs in to is on that day: without the time of day, which would
+  // otherwise stand in the item and search forms' date fields ("11/21/2026 9:30:00 AM" where a
+  // ten-character date belongs) until the first link to another day.
+  if (!page.UserKey.empty()) page.CurrentDate = DateOnly(page.CurrentDate);
 }
 
 // 9g: the user the key names; without one, the first-administrator form when asked for, else

@@ -82,6 +82,37 @@ TEST_F(Login, NamesCompareWithoutRegardToCase) {
   EXPECT_EQ(visit.page().UserKey, bob);
 }
 
+TEST_F(Login, LoginFromTheLogoutLinkOpensTheDayWithoutTheTimeOfDay) {
+  AddAdministrator();
+  AddUser("bob", "secret");
+  SiteVisit visit = Visit();
+  visit.Link("~6~11/21/2026 2:05:00 PM~0~0~~~~")
+      .Post("username", "bob")
+      .Post("password", "secret")
+      .Post("submit", "Login")
+      .Post("login", "y");
+  std::string html = visit.Show();
+  EXPECT_EQ(visit.page().Screen, screens::kMonthView);
+  EXPECT_EQ(visit.page().CurrentDate, DateSerial(2026, 11, 21));
+  std::vector<std::string> fields = LinkFields(LinkTitled(html, "Add New Item"));
+  ASSERT_GE(fields.size(), 3u);
+  EXPECT_EQ(fields[2], "11/21/2026");
+}
+
+TEST_F(Login, WrongLoginFromTheLogoutLinkKeepsItsDateAndTime) {
+  AddAdministrator();
+  AddUser("bob", "secret");
+  SiteVisit visit = Visit();
+  visit.Link("~6~11/21/2026 2:05:00 PM~0~0~~~~")
+      .Post("username", "bob")
+      .Post("password", "wrong")
+      .Post("submit", "Login")
+      .Post("login", "y");
+  visit.Show();
+  EXPECT_EQ(visit.page().Screen, screens::kLogin);
+  EXPECT_EQ(visit.page().CurrentDate, Combine(DateSerial(2026, 11, 21), TimeSerial(14, 5, 0)));
+}
+
 TEST_F(Login, WrongPasswordLeavesTheLoginScreenWithTheNotice) {
   AddAdministrator();
   AddUser("bob", "secret");
