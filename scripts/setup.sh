@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Installs every Debian package Tidewell needs to build, test and run, then builds it into
-# build/ (the server is build/tidewell). Safe to run any number of times.
+# Installs every Debian package Tidewell needs to build, test and run, and the npm packages of
+# the browser tests, then builds it into build/ (the server is build/tidewell). Safe to run any
+# number of times.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -9,7 +10,12 @@ packages=(
   libcpp-httplib-dev libsqlite3-dev libpq-dev libssl-dev
   libgtest-dev libgmock-dev libbenchmark-dev libgoogle-perftools-dev
   postgresql-15 postgresql-contrib
+  chromium
 )
+# Node.js and npm drive Chromium in the browser tests. A machine that already has both keeps
+# its own (a newer Node.js package may itself provide npm and refuse Debian's).
+command -v node >/dev/null || packages+=(nodejs)
+command -v npm >/dev/null || packages+=(npm)
 
 missing=()
 for package in "${packages[@]}"; do
@@ -26,6 +32,17 @@ if ((${#missing[@]})); then
   DEBIAN_FRONTEND=noninteractive "${sudo[@]}" apt-get install -y -qq --no-install-recommends \
     "${missing[@]}"
 fi
+
+# The browser tests' npm packages, exactly as the lock file names them; installed anew only
+# when the lock file has changed since the last install.
+(
+  cd tests/browser
+  if ! cmp -s package-lock.json node_modules/.tidewell-installed-lock 2>/dev/null; then
+    echo "setup: installing the browser tests' npm packages"
+    npm ci --no-audit --no-fund --loglevel=error
+    cp package-lock.json node_modules/.tidewell-installed-lock
+  fi
+)
 
 cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
 ninja -C build
