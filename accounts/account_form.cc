@@ -2,8 +2,8 @@
 
 #include <optional>
 
-#include "component/link_codec.h"
 #include "component/page.h"
+#include "component/screen_links.h"
 #include "frame/markup.h"
 #include "runtime/automation_error.h"
 #include "runtime/conversions.h"
@@ -73,9 +73,7 @@ std::string DefaultViewOptions(const Variant& current, Selection rule) {
 }
 
 void AppendUserHelpColumn(Page& page) {
-  const std::string f1 = std::to_string(screens::kUserHelp) + "/" + std::to_string(page.ReturnView);
-  AppendHelpColumn(page, BuildLink(page, f1, page.CurrentDate, page.CurrentHour, 0, page.UserKey,
-                                   page.SortOrder, page.AdminKey));
+  AppendHelpColumn(page, ReturningLink(page, screens::kUserHelp));
 }
 
 void AppendDisplayOptionTable(Page& page, const DisplaySettings& settings, Selection rule) {

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "component/page.h"
+#include "frame/help_page.h"
 #include "frame/markup.h"
 
 namespace tidewell {
@@ -33,32 +34,9 @@ void AppendGroup(std::string& out, std::initializer_list<HelpEntry> entries) {
   out += "<hr size=1 color=#c0c0c0 >";
 }
 
-// The title bar, the frame with the help icon (no link) and the opening of the text cell.
-// The inner table has no row of its own; browsers supply one.
-void AppendHelpOpening(Page& page, std::string_view start_comment, std::string_view title) {
-  std::string& out = page.PageBuffer;
-  out += start_comment;
-  AppendTitleBar(page, title, TitleCell::kPlain);
-  out +=
-      "<table align=center width=610 height=456 cellpadding=3 cellspacing=0 border=1 "
-      "bordercolor=" +
-      page.props.TidewellColor + ">";
-  out += "<tr bgcolor=#ffffff>";
-  out += "<td class=dtname align=center valign=top width=50 height=456 nowrap><img src=" +
-         page.props.ImagePath + "icon_help.gif width=30 height=30 border=0 align=absmiddle ></td>";
-  out += "<td class=text align=left valign=top width=560 height=456>";
-  out += "<table align=center valign=top width=100% border=0 >";
-  out += "<td class=help align=left valign=top >";
-}
-
-void AppendHelpClosing(Page& page, std::string_view end_comment) {
-  std::string& out = page.PageBuffer;
-  for (int i = 0; i < 2; ++i) {
-    out += "</td>";
-    out += "</tr>";
-    out += "</table>";
-  }
-  out += end_comment;
+// The help screens of this file all stand as high as the other form screens.
+void AppendAccountHelpClosing(Page& page, std::string_view end_comment) {
+  AppendHelpClosing(page, end_comment);
   ReplaceHeight(page, ByBrowser(page, /*standard=*/545, /*navigator=*/554, /*opera=*/555));
 }
 
@@ -105,7 +83,7 @@ void HelpScreenUser(Page& page) {
              "Loads the specified view immediatley after a successful login attempt."},
             {"Change Password:", "Change or create a password for the account."},
             {"Confirm Password:", "Confirm your password to be sure it was entered correctly."}});
-  AppendHelpClosing(page, "<!-- HelpScreenUser End -->");
+  AppendAccountHelpClosing(page, "<!-- HelpScreenUser End -->");
 }
 
 void HelpScreenGroup(Page& page) {
@@ -122,7 +100,7 @@ void HelpScreenGroup(Page& page) {
                      "This shows a list of all the Groups that do not have any users assigned to "
                      "them. These groups can be deleted if required by selecting the one to "
                      "delete and clicking the delete button."}});
-  AppendHelpClosing(page, "<!-- HelpScreenGroup End -->");
+  AppendAccountHelpClosing(page, "<!-- HelpScreenGroup End -->");
 }
 
 }  // namespace tidewell

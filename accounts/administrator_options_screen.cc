@@ -5,8 +5,8 @@
 #include <string>
 
 #include "accounts/account_form.h"
-#include "component/link_codec.h"
 #include "component/page.h"
+#include "component/screen_links.h"
 #include "frame/markup.h"
 #include "runtime/conversions.h"
 #include "views/item_list.h"
@@ -117,10 +117,7 @@ void AppendValidatorForMode(Page& page) {
 }
 
 std::string FormActionLink(const Page& page) {
-  const std::string f1 =
-      std::to_string(screens::kAdministratorOptions) + "/" + std::to_string(page.ReturnView);
-  return BuildLink(page, f1, page.CurrentDate, page.CurrentHour, 0, page.UserKey, page.SortOrder,
-                   page.AdminKey);
+  return ReturningLink(page, screens::kAdministratorOptions);
 }
 
 // The coloured head row: the first administrator's heading, or the account chooser.
@@ -236,10 +233,7 @@ void AdminOptionsView(Page& page) {
   AppendValidatorForMode(page);
   out += "<!-- AdminOptionsView  Start -->";
   AppendTitleBar(page, "Administrator Options.", TitleCell::kPlain);
-  out +=
-      "<table align=center width=610 height=456 cellpadding=3 cellspacing=0 border=1 "
-      "bordercolor=" +
-      page.props.TidewellColor + ">";
+  AppendBodyTable(page);
   out += "<tr bgcolor=#ffffff>";
   AppendUserHelpColumn(page);
   out += "<td class=text align=left valign=top width=560 height=456>";

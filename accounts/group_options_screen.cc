@@ -3,23 +3,17 @@
 #include <string>
 #include <string_view>
 
-#include "component/link_codec.h"
 #include "component/page.h"
+#include "component/screen_links.h"
 #include "frame/markup.h"
 #include "views/item_list.h"
 
 namespace tidewell {
 namespace {
 
-std::string LinkToScreen(const Page& page, long screen) {
-  const std::string f1 = std::to_string(screen) + "/" + std::to_string(page.ReturnView);
-  return BuildLink(page, f1, page.CurrentDate, page.CurrentHour, 0, page.UserKey, page.SortOrder,
-                   page.AdminKey);
-}
-
 // The help icon beside the form leads to the group help screen.
 void AppendGroupHelpColumn(Page& page) {
-  AppendHelpColumn(page, LinkToScreen(page, screens::kGroupHelp));
+  AppendHelpColumn(page, ReturningLink(page, screens::kGroupHelp));
 }
 
 std::string Button(std::string_view value) {
@@ -75,14 +69,11 @@ void GroupOptionsView(Page& page) {
   std::string& out = page.PageBuffer;
   out += "<!-- GroupOptionsView  Start -->";
   AppendTitleBar(page, "Administrator Group Options.", TitleCell::kPlain);
-  out +=
-      "<table align=center width=610 height=456 cellpadding=3 cellspacing=0 border=1 "
-      "bordercolor=" +
-      page.props.TidewellColor + ">";
+  AppendBodyTable(page);
   out += "<tr bgcolor=#ffffff>";
   AppendGroupHelpColumn(page);
   out += "<td class=text align=left valign=top width=560 height=456>";
-  out += "<form action=" + LinkToScreen(page, screens::kGroupOptions) +
+  out += "<form action=" + ReturningLink(page, screens::kGroupOptions) +
          " method=post name=groupoptions>";
   if (page.ErrorFlag) out += "<font color=#b22222><b>" + page.ErrorText + "</b></font>";
   AppendGroupTable(page);

@@ -12,10 +12,7 @@ namespace {
 // The body's frame: a white margin column and the text column.
 void AppendBodyFrame(Page& page) {
   std::string& out = page.PageBuffer;
-  out +=
-      "<table align=center width=610 height=456 cellpadding=3 cellspacing=0 border=1 "
-      "bordercolor=" +
-      page.props.TidewellColor + ">";
+  AppendBodyTable(page);
   out += "<tr bgcolor=#ffffff>";
   out +=
       "<td bgcolor=#ffffff class=dtname align=center valign=top width=50 height=456 "

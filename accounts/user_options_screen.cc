@@ -4,8 +4,8 @@
 #include <string_view>
 
 #include "accounts/account_form.h"
-#include "component/link_codec.h"
 #include "component/page.h"
+#include "component/screen_links.h"
 #include "frame/markup.h"
 
 namespace tidewell {
@@ -14,10 +14,7 @@ namespace {
 constexpr const char* kAdministratorMark = "<font color=#b22222><b>(Administrator)</b></font>";
 
 std::string FormActionLink(const Page& page) {
-  const std::string f1 =
-      std::to_string(screens::kUserOptions) + "/" + std::to_string(page.ReturnView);
-  return BuildLink(page, f1, page.CurrentDate, page.CurrentHour, 0, page.UserKey, page.SortOrder,
-                   page.AdminKey);
+  return ReturningLink(page, screens::kUserOptions);
 }
 
 void AppendRowOpening(std::string& out, std::string_view label) {
@@ -81,10 +78,7 @@ void UserOptionsView(Page& page) {
   AppendPasswordValidator(page, {{"password", "Password"}, {"confirm", "Confirm Password"}});
   out += "<!-- UserOptionsView  Start -->";
   AppendTitleBar(page, EscapeHtml(user.Username) + " Options.", TitleCell::kPlain);
-  out +=
-      "<table align=center width=610 height=456 cellpadding=3 cellspacing=0 border=1 "
-      "bordercolor=" +
-      page.props.TidewellColor + ">";
+  AppendBodyTable(page);
   out += "<tr bgcolor=#ffffff>";
   AppendUserHelpColumn(page);
   out += "<td class=text align=left valign=top width=560 height=456>";

@@ -13,10 +13,7 @@ namespace {
 // no row tag of its own here.
 void AppendBodyFrame(Page& page) {
   std::string& out = page.PageBuffer;
-  out +=
-      "<table align=center width=610 height=456 cellpadding=3 cellspacing=0 border=1 "
-      "bordercolor=" +
-      page.props.TidewellColor + ">";
+  AppendBodyTable(page);
   out += "<tr bgcolor=#ffffff>";
   out += "<td class=dtname align=center valign=top width=50 height=456 nowrap >&nbsp;</td>";
   out += "<td class=text align=left valign=top width=560 height=456>";

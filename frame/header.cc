@@ -4,6 +4,7 @@
 
 #include "component/link_codec.h"
 #include "component/page.h"
+#include "component/screen_links.h"
 #include "runtime/clock.h"
 
 namespace tidewell {
@@ -17,11 +18,7 @@ void AppendButton(Page& page, const char* title, const std::string& link, const 
 
 // A button to one of the screens that return to the view in use: "4/3", "15/0" ...
 void AppendReturningButton(Page& page, const char* title, long screen, const char* image) {
-  std::string f1 = std::to_string(screen) + "/" + std::to_string(page.ReturnView);
-  AppendButton(page, title,
-               BuildLink(page, f1, page.CurrentDate, page.CurrentHour, 0, page.UserKey,
-                         page.SortOrder, page.AdminKey),
-               image);
+  AppendButton(page, title, ReturningLink(page, screen), image);
 }
 
 void AppendAddItemButton(Page& page) {

@@ -5,6 +5,7 @@
 #include <span>
 
 #include "component/page.h"
+#include "runtime/conversions.h"
 
 namespace tidewell {
 
@@ -173,12 +174,37 @@ void AppendDatePickerScript(Page& page) {
   line("</script>");
 }
 
+void AppendBodyTable(Page& page) {
+  page.PageBuffer +=
+      "<table align=center width=610 height=456 cellpadding=3 cellspacing=0 border=1 "
+      "bordercolor=" +
+      page.props.TidewellColor + ">";
+}
+
 void AppendHelpColumn(Page& page, std::string_view help_link) {
   page.PageBuffer +=
       "<td class=dtname align=center valign=top width=50 height=456 nowrap><a class=text href=";
   page.PageBuffer += help_link;
   page.PageBuffer += " title=\"Show me help for this page.\" ><img src=" + page.props.ImagePath +
                      "icon_help.gif width=30 height=30 border=0 align=absmiddle ></a></td>";
+}
+
+void AppendDateField(Page& page, std::string_view name, std::string_view value,
+                     std::string_view picker_link) {
+  std::string& out = page.PageBuffer;
+  out += "<input maxlength=10 class=text type=text name=";
+  out += name;
+  out += " value=\"";
+  AppendEscapedHtml(out, value);
+  out += "\" size=15 >&nbsp;<a title=\"Date Picker\" href=javascript:datepicker('";
+  out += picker_link;
+  out += "'); ><img src=";
+  out += page.props.ImagePath;
+  out += "icon_dpicker.gif width=16 height=16 align=absmiddle border=0 /></a>";
+}
+
+Variant PickerMonth(const Page& page, const std::string& field_value) {
+  return IsDate(field_value) ? Variant(CDate(field_value)) : Variant(page.CurrentDate);
 }
 
 }  // namespace tidewell

@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+#include "runtime/variant.h"
+
 namespace tidewell {
 
 struct Page;
@@ -41,6 +43,9 @@ void AppendTitleBar(Page& page, std::string_view title, TitleCell first_cell);
 // `label` is markup: a caller showing a user's text escapes it first.
 std::string TextOption(std::string_view value, std::string_view label, bool selected);
 
+// The bordered table, 610 by 456, that a screen's body stands in below its title bar.
+void AppendBodyTable(Page& page);
+
 // The left column of a form screen: the help icon, linked to the screen's help.
 void AppendHelpColumn(Page& page, std::string_view help_link);
 
@@ -69,5 +74,14 @@ void AppendPasswordValidator(Page& page, const std::vector<RequiredField>& field
 // CR LF and one CR LF before the first, but without the "<!--" guard. The window's left is
 // given y and its top x; the pop-up has always opened there.
 void AppendDatePickerScript(Page& page);
+
+// A form's date field, ten characters at most, with the picker icon beside it that opens
+// `picker_link` through datepicker().
+void AppendDateField(Page& page, std::string_view name, std::string_view value,
+                     std::string_view picker_link);
+
+// The month a date field's picker opens on: the date in the field, or the month in view while
+// the field holds no date.
+Variant PickerMonth(const Page& page, const std::string& field_value);
 
 }  // namespace tidewell

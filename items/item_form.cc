@@ -5,6 +5,7 @@
 
 #include "component/link_codec.h"
 #include "component/page.h"
+#include "component/screen_links.h"
 #include "data/error_screen.h"
 #include "frame/markup.h"
 #include "items/item_updates.h"
@@ -45,26 +46,11 @@ ItemFormValues FormValues(Page& page, bool editing, bool refused) {
 
 // --- Links ---
 
-std::string ReturningTo(long screen, long return_view) {
-  return std::to_string(screen) + "/" + std::to_string(return_view);
-}
-
-std::string HelpLink(const Page& page) {
-  return BuildLink(page, ReturningTo(screens::kItemHelp, page.ReturnView), page.CurrentDate,
-                   page.CurrentHour, 0, page.UserKey, page.SortOrder, page.AdminKey);
-}
-
-// The post goes back through screen 4, so that the driver runs it, with the view to go on to.
-std::string FormActionLink(const Page& page) {
-  return BuildLink(page, ReturningTo(screens::kItemForm, page.ReturnView), page.CurrentDate,
-                   page.CurrentHour, page.ItemId, page.UserKey, page.SortOrder, page.AdminKey);
-}
-
 // The picker fills the form's date field ("5/5") and opens on the month of the date in it.
 std::string PickerLink(const Page& page, const ItemFormValues& values) {
-  const Variant month = IsDate(values.date) ? Variant(CDate(values.date)) : page.CurrentDate;
-  return BuildLink(page, ReturningTo(screens::kDatePicker, screens::kDatePicker), month,
-                   page.CurrentHour, 0, page.UserKey, page.SortOrder, page.AdminKey);
+  return BuildLink(page, ScreenReturningTo(screens::kDatePicker, screens::kDatePicker),
+                   PickerMonth(page, values.date), page.CurrentHour, 0, page.UserKey,
+                   page.SortOrder, page.AdminKey);
 }
 
 // --- Markup ---
@@ -116,11 +102,7 @@ void AppendDateAndTime(Page& page, const ItemFormValues& values) {
   out += "</tr>";
   out += "<tr>";
   out += "<td class=text>";
-  out += "<input maxlength=10 class=text type=text name=datestamp value=\"" +
-         EscapeHtml(values.date) +
-         "\" size=15 >&nbsp;<a title=\"Date Picker\" href=javascript:datepicker('" +
-         PickerLink(page, values) + "'); ><img src=" + page.props.ImagePath +
-         "icon_dpicker.gif width=16 height=16 align=absmiddle border=0 /></a>";
+  AppendDateField(page, "datestamp", values.date, PickerLink(page, values));
   out += "</td>";
   out += "<td class=text>";
   out += "&nbsp;&nbsp;";
@@ -180,14 +162,12 @@ void AddModifyView(Page& page) {
   out += "<!-- AddModifyView  Start -->";
   AppendTitleBar(page, editing ? "Edit Scheduled Item." : "Add Item to Schedule.",
                  TitleCell::kPlain);
-  out +=
-      "<table align=center width=610 height=456 cellpadding=3 cellspacing=0 border=1 "
-      "bordercolor=" +
-      page.props.TidewellColor + ">";
+  AppendBodyTable(page);
   out += "<tr bgcolor=#ffffff>";
-  AppendHelpColumn(page, HelpLink(page));
+  AppendHelpColumn(page, ReturningLink(page, screens::kItemHelp));
   out += "<td class=text align=left valign=top width=560 height=456>";
-  out += "<form action=" + FormActionLink(page) +
+  // The post goes back through screen 4, so that the driver runs it, with the view to go on to.
+  out += "<form action=" + ReturningLink(page, screens::kItemForm, page.ItemId) +
          " method=post name=addmodify onsubmit=\"return validator(this)\" >";
   if (refused) out += "<font color=#b22222><b>" + page.ErrorText + "</b></font><br><br>";
   AppendOwnerList(page);

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "component/page.h"
-#include "frame/markup.h"
+#include "frame/help_page.h"
 
 namespace tidewell {
 namespace {
@@ -18,20 +18,7 @@ void AppendEntry(Page& page, const char* label, const char* explanation) {
 }  // namespace
 
 void HelpScreenItem(Page& page) {
-  std::string& out = page.PageBuffer;
-  out += "<!-- HelpScreenItem  Start -->";
-  AppendTitleBar(page, "Help On Item Information.", TitleCell::kPlain);
-  out +=
-      "<table align=center width=610 height=456 cellpadding=3 cellspacing=0 border=1 "
-      "bordercolor=" +
-      page.props.TidewellColor + ">";
-  out += "<tr bgcolor=#ffffff>";
-  out += "<td class=dtname align=center valign=top width=50 height=456 nowrap><img src=" +
-         page.props.ImagePath + "icon_help.gif width=30 height=30 border=0 align=absmiddle ></td>";
-  out += "<td class=text align=left valign=top width=560 height=456>";
-  // The inner table has no row of its own; browsers supply one.
-  out += "<table align=center valign=top width=100% border=0 >";
-  out += "<td class=help align=left valign=top >";
+  AppendHelpOpening(page, "<!-- HelpScreenItem  Start -->", "Help On Item Information.");
   AppendEntry(page, "Owner", "This is the account holder (the owner) of the scheduled item.");
   AppendEntry(page, "Scheduled Date",
               "Enter a Scheduled Date or click on the Date Picker Icon to select a date from a "
@@ -47,13 +34,8 @@ void HelpScreenItem(Page& page) {
   AppendEntry(page, "Complete",
               "Mark the item as Complete by checking the box, this changes the items color and "
               "crosses out the item for notice.");
-  out += "</td>";
-  out += "</tr>";
-  out += "</table>";
-  out += "</td>";
-  out += "</tr>";
-  out += "</table>";
-  out += "<!-- HelpScreenItem End -->";
+  // The frame's height stays as the header left it.
+  AppendHelpClosing(page, "<!-- HelpScreenItem End -->");
 }
 
 }  // namespace tidewell

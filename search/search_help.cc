@@ -3,6 +3,7 @@
 #include <string>
 
 #include "component/page.h"
+#include "frame/help_page.h"
 #include "frame/markup.h"
 
 namespace tidewell {
@@ -21,20 +22,7 @@ void AppendRule(Page& page) {
 }  // namespace
 
 void HelpScreenSearch(Page& page) {
-  std::string& out = page.PageBuffer;
-  out += "<!-- HelpScreenSearch  Start -->";
-  AppendTitleBar(page, "Help On Search Information.", TitleCell::kPlain);
-  out +=
-      "<table align=center width=610 height=456 cellpadding=3 cellspacing=0 border=1 "
-      "bordercolor=" +
-      page.props.TidewellColor + ">";
-  out += "<tr bgcolor=#ffffff>";
-  out += "<td class=dtname align=center valign=top width=50 height=456 nowrap><img src=" +
-         page.props.ImagePath + "icon_help.gif width=30 height=30 border=0 align=absmiddle ></td>";
-  out += "<td class=text align=left valign=top width=560 height=456>";
-  // The inner table has no row of its own; browsers supply one.
-  out += "<table align=center valign=top width=100% border=0 >";
-  out += "<td class=help align=left valign=top >";
+  AppendHelpOpening(page, "<!-- HelpScreenSearch  Start -->", "Help On Search Information.");
   // Rules stand between the entries, none after the last.
   AppendEntry(page, "Owner", "This is the account holder (the owner) of a scheduled item.");
   AppendRule(page);
@@ -48,13 +36,7 @@ void HelpScreenSearch(Page& page) {
   AppendRule(page);
   AppendEntry(page, "Search Critera",
               "Enter search critera to which you want to find matching items. (max 50 chars)");
-  out += "</td>";
-  out += "</tr>";
-  out += "</table>";
-  out += "</td>";
-  out += "</tr>";
-  out += "</table>";
-  out += "<!-- HelpScreenSearch End -->";
+  AppendHelpClosing(page, "<!-- HelpScreenSearch End -->");
   ReplaceHeight(page, ByBrowser(page, /*standard=*/545, /*navigator=*/554, /*opera=*/555));
 }
 

@@ -4,6 +4,7 @@
 
 #include "component/link_codec.h"
 #include "component/page.h"
+#include "component/screen_links.h"
 #include "frame/markup.h"
 #include "runtime/conversions.h"
 #include "views/item_list.h"
@@ -29,28 +30,12 @@ SearchFormValues FormValues(const Page& page) {
 
 // --- Links ---
 
-std::string ReturningTo(long screen, long return_view) {
-  return std::to_string(screen) + "/" + std::to_string(return_view);
-}
-
-std::string HelpLink(const Page& page) {
-  return BuildLink(page, ReturningTo(screens::kSearchHelp, page.ReturnView), page.CurrentDate,
-                   page.CurrentHour, 0, page.UserKey, page.SortOrder, page.AdminKey);
-}
-
-// The post comes back to screen 15, where the driver runs the search before the screen is drawn.
-std::string FormActionLink(const Page& page) {
-  return BuildLink(page, ReturningTo(screens::kSearch, page.ReturnView), page.CurrentDate,
-                   page.CurrentHour, page.ItemId, page.UserKey, page.SortOrder, page.AdminKey);
-}
-
 // The picker returns to the search form ("5/15") and fills the field its suffix names: "0" the
-// start date, "1" the end date. It opens on the month of the date in that field, or on the
-// month in view while the field holds no date.
+// start date, "1" the end date.
 std::string PickerLink(const Page& page, const std::string& field_value, const char* suffix) {
-  const Variant month = IsDate(field_value) ? Variant(CDate(field_value)) : page.CurrentDate;
-  return BuildLink(page, ReturningTo(screens::kDatePicker, screens::kSearch), month,
-                   page.CurrentHour, 0, page.UserKey, page.SortOrder, page.AdminKey, suffix);
+  return BuildLink(page, ScreenReturningTo(screens::kDatePicker, screens::kSearch),
+                   PickerMonth(page, field_value), page.CurrentHour, 0, page.UserKey,
+                   page.SortOrder, page.AdminKey, suffix);
 }
 
 // --- Markup ---
@@ -64,14 +49,11 @@ void AppendOwnerList(Page& page) {
   page.PageBuffer += "<br><br>";
 }
 
-// One date field with its picker icon.
-std::string DateField(const Page& page, const char* name, const std::string& value,
-                      const char* suffix) {
-  return std::string("<input maxlength=10 class=text type=text name=") + name + " value=\"" +
-         EscapeHtml(value) +
-         "\" size=15 >&nbsp;<a title=\"Date Picker\" href=javascript:datepicker('" +
-         PickerLink(page, value, suffix) + "'); ><img src=" + page.props.ImagePath +
-         "icon_dpicker.gif width=16 height=16 align=absmiddle border=0 /></a>&nbsp;&nbsp;";
+// One date field with its picker icon, and room before the next.
+void AppendDateCell(Page& page, const char* name, const std::string& value, const char* suffix) {
+  page.PageBuffer += "<td class=text>";
+  AppendDateField(page, name, value, PickerLink(page, value, suffix));
+  page.PageBuffer += "&nbsp;&nbsp;</td>";
 }
 
 void AppendDates(Page& page, const SearchFormValues& values) {
@@ -82,8 +64,8 @@ void AppendDates(Page& page, const SearchFormValues& values) {
   out += "<td class=text>End Date:</td>";
   out += "</tr>";
   out += "<tr>";
-  out += "<td class=text>" + DateField(page, "startdate", values.start_date, "0") + "</td>";
-  out += "<td class=text>" + DateField(page, "enddate", values.end_date, "1") + "</td>";
+  AppendDateCell(page, "startdate", values.start_date, "0");
+  AppendDateCell(page, "enddate", values.end_date, "1");
   out += "</tr>";
   out += "</table>";
 }
@@ -109,14 +91,13 @@ void SearchScreenView(Page& page) {
   AppendDatePickerScript(page);
   out += "<!-- SearchScreenView  Start -->";
   AppendTitleBar(page, "Search for Items.", TitleCell::kPlain);
-  out +=
-      "<table align=center width=610 height=456 cellpadding=3 cellspacing=0 border=1 "
-      "bordercolor=" +
-      page.props.TidewellColor + ">";
+  AppendBodyTable(page);
   out += "<tr bgcolor=#ffffff>";
-  AppendHelpColumn(page, HelpLink(page));
+  AppendHelpColumn(page, ReturningLink(page, screens::kSearchHelp));
   out += "<td class=text align=left valign=top width=560 height=456>";
-  out += "<form action=" + FormActionLink(page) +
+  // The post comes back to screen 15, where the driver runs the search before the screen is
+  // drawn.
+  out += "<form action=" + ReturningLink(page, screens::kSearch, page.ItemId) +
          " method=post name=searchscreen onsubmit=\"return validator(this)\" >";
   if (page.ErrorFlag) out += "<font color=#b22222><b>" + page.ErrorText + "</b></font><br><br>";
   AppendOwnerList(page);

@@ -5,6 +5,7 @@
 #include "component/date_helpers.h"
 #include "component/link_codec.h"
 #include "component/page.h"
+#include "component/screen_links.h"
 #include "runtime/clock.h"
 #include "runtime/conversions.h"
 #include "runtime/dates.h"
@@ -73,7 +74,7 @@ CellKind CurrentMonthKind(const PickerGrid& grid, int month, int day, int year) 
 // The arrows lead to the same screen and target a month away; the suffix rides along, so a
 // search's end date stays the end date.
 std::string MonthLink(const Page& page, long months) {
-  return BuildLink(page, std::to_string(page.Screen) + "/" + std::to_string(page.ReturnView),
+  return BuildLink(page, ScreenReturningTo(page.Screen, page.ReturnView),
                    DateAdd("m", months, page.CurrentDate), page.CurrentHour, page.ItemId,
                    page.UserKey, page.SortOrder, page.AdminKey, LinkSuffix(page));
 }

@@ -95,7 +95,7 @@ void DayView(Page& page) {
   page.PageBuffer += "<!-- DayView  start -->";
   AppendPagingTitleBar(page, {paging.previous_title, ViewLink(page, paging.previous)},
                        {paging.next_title, ViewLink(page, paging.next)}, paging.title);
-  AppendViewBody(page);
+  AppendBodyTable(page);
 
   Date date = page.CurrentDate;
   long hour = page.CurrentHour;

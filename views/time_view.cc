@@ -53,7 +53,7 @@ void TimeView(Page& page) {
   AppendPagingTitleBar(page, {"Previous Hour", HourLink(page, -1)},
                        {"Next Hour", HourLink(page, 1)},
                        LongDateTitle(page.CurrentDate) + " @ " + label);
-  AppendViewBody(page);
+  AppendBodyTable(page);
   page.PageBuffer += "<tr bgcolor=#ffffff>";
   page.PageBuffer += HourCell(page, label);
 

@@ -29,13 +29,6 @@ void AppendPagingTitleBar(Page& page, const PagingLink& previous, const PagingLi
   out += "</table>";
 }
 
-void AppendViewBody(Page& page) {
-  page.PageBuffer +=
-      "<table align=center width=610 height=456 cellpadding=3 cellspacing=0 border=1 "
-      "bordercolor=" +
-      page.props.TidewellColor + ">";
-}
-
 Date GridDate(int month, int day, int year, bool month_first, bool padded) {
   // Written in the settings' own order, a real day reads back as itself: a month view makes
   // dozens of these, and they are spared the round trip through text.

@@ -24,9 +24,6 @@ struct PagingLink {
 void AppendPagingTitleBar(Page& page, const PagingLink& previous, const PagingLink& next,
                           std::string_view title);
 
-// The body table the week, day and time views draw their rows in.
-void AppendViewBody(Page& page);
-
 // A grid's date for day `day` of `month` in `year`, made the way the grids have always made
 // it: written as text in the server's date order ("m/d/yyyy" when the date-order test says
 // month first, else "d/m/yyyy", day and month with two digits when `padded`) and read back by

@@ -65,7 +65,7 @@ void AppendHeading(Page& page, const WeekStart& start, Date start_date) {
   page.PageBuffer += "<!-- WeekView  start -->";
   AppendPagingTitleBar(page, {"Previous Week", link("/p", DateAdd("d", -7, start_date))},
                        {"Next Week", link("/n", DateAdd("d", 7, start_date))}, title);
-  AppendViewBody(page);
+  AppendBodyTable(page);
 }
 
 // One day's row: the weekday and day number as a link to its day view, then its items.
