@@ -1,8 +1,9 @@
 // A person's first session with Tidewell, in headless Chromium against the real server: the
 // welcome screen, the first administrator, the calendar views, an item added with the date
-// picker, changed, completed and deleted, a second user in a group of his own, and that
-// user's options and search. Every screen is checked for script errors, failed requests,
-// broken images and stray links, and saved as a screenshot.
+// picker, changed, completed and deleted, the group screen, a second user in a group of his
+// own, and that user's options and search, with the help screens on the way. Every screen is
+// checked for script errors, failed requests, broken images and stray links, and saved as a
+// screenshot.
 //
 //   node walk.mjs --tidewell PATH/tidewell --screenshots DIR [--chromium /usr/bin/chromium]
 //
@@ -437,6 +438,30 @@ async function WalkThrough(walk, main, base) {
     await main.click('input[value="Add New User"]');
     return main;
   });
+  await walk.step('group-options', { title: 'Administrator Group Options.', tabs: true,
+    check: Shows('Change Group Name:', 'No Groups Unassigned') }, async () => {
+    await main.click('input[value=Manage]');
+    return main;
+  });
+  // A group nobody belongs to yet is offered for deletion.
+  await walk.step('group-added', { title: 'Administrator Group Options.', tabs: true,
+    check: async () => {
+      const offered = await main.locator('select[name=rgroupid] option', { hasText: 'Dredging' }).count();
+      return offered === 1 ? [] : ['the new group is not among the unassigned groups'];
+    } }, async () => {
+    await main.fill('input[name=newgroup]', 'Dredging');
+    await main.click('input[value=Add]');
+    return main;
+  });
+  await walk.step('group-deleted', { title: 'Administrator Group Options.', tabs: true,
+    check: Shows('No Groups Unassigned') }, async () => {
+    await main.click('input[value=Delete]');
+    return main;
+  });
+  await walk.step('group-help', { title: 'Help On Group Information.', tabs: true }, async () => {
+    await main.click('a[title="Show me help for this page."]');
+    return main;
+  });
   await walk.step('administrator-logged-out', { title: 'Hollowfen Tidewell Login Screen.', tabs: false },
     async () => {
       await main.click('a[title="Logout / Change User"]');
@@ -465,6 +490,14 @@ async function WalkThrough(walk, main, base) {
     await main.click('a[title="User Options"]');
     return main;
   });
+  await walk.step('user-help', { title: 'Help On User Information.', tabs: true }, async () => {
+    await main.click('a[title="Show me help for this page."]');
+    return main;
+  });
+  await walk.step('user-options-again', { title: 'keeper Options.', tabs: true }, async () => {
+    await main.click('a[title="User Options"]');
+    return main;
+  });
   // "Update" saves the options and goes back to the calendar; they show again when reopened.
   await walk.step('user-options-updated', { title: 'November 2026', tabs: true,
     check: Shows('Group: Lighthouse | User: keeper') }, async () => {
@@ -489,6 +522,10 @@ async function WalkThrough(walk, main, base) {
     check: Shows('Lamp wick replaced') }, async () => {
     await main.fill('input[name=search]', 'wick');
     await main.click('input[value=Search]');
+    return main;
+  });
+  await walk.step('search-help', { title: 'Help On Search Information.', tabs: true }, async () => {
+    await main.click('a[title="Show me help for this page."]');
     return main;
   });
   await walk.step('logged-out-at-the-end', { title: 'Hollowfen Tidewell Login Screen.', tabs: false },
