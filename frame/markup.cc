@@ -1,11 +1,10 @@
 #include "frame/markup.h"
 
-#include <string.h>
-
 #include <span>
 
 #include "component/page.h"
 #include "runtime/conversions.h"
+#include "runtime/strings.h"
 
 namespace tidewell {
 
@@ -42,20 +41,8 @@ std::string EscapeHtml(std::string_view text) {
 }
 
 void ReplaceHeight(Page& page, long height) {
-  static constexpr std::string_view kPlaceholder = "<height></height>";
-  // The page is searched whole, tens of kilobytes after a month view, and has a "<" every few
-  // bytes: the C library's memmem skips through it by pairs of bytes rather than stopping at
-  // each of them.
-  const std::string value = std::to_string(height);
-  std::string& out = page.PageBuffer;
-  for (size_t from = 0; from < out.size();) {
-    const void* found = ::memmem(out.data() + from, out.size() - from, kPlaceholder.data(),
-                                 kPlaceholder.size());
-    if (found == nullptr) return;
-    const size_t offset = static_cast<size_t>(static_cast<const char*>(found) - out.data());
-    out.replace(offset, kPlaceholder.size(), value);
-    from = offset + value.size();
-  }
+  page.PageBuffer =
+      Replace(std::move(page.PageBuffer), "<height></height>", std::to_string(height));
 }
 
 long ByBrowser(const Page& page, long standard, long navigator, long opera) {

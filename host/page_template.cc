@@ -1,5 +1,7 @@
 #include "host/page_template.h"
 
+#include "runtime/strings.h"
+
 namespace tidewell {
 
 std::string DefaultPageTemplate() {
@@ -24,13 +26,7 @@ bool IsPageTemplate(std::string_view text) {
 }
 
 std::string SettleFrameHeight(std::string component_output) {
-  static constexpr std::string_view kPlaceholder = "<height></height>";
-  static constexpr std::string_view kFormHeight = "545";
-  for (size_t at = component_output.find(kPlaceholder); at != std::string::npos;
-       at = component_output.find(kPlaceholder, at + kFormHeight.size())) {
-    component_output.replace(at, kPlaceholder.size(), kFormHeight);
-  }
-  return component_output;
+  return Replace(std::move(component_output), "<height></height>", "545");
 }
 
 std::string FillPageTemplate(std::string_view page_template, std::string_view component_output) {

@@ -1,5 +1,7 @@
 #include "runtime/strings.h"
 
+#include <string.h>
+
 namespace tidewell {
 
 std::vector<std::string> Split(std::string_view text, char delimiter) {
@@ -14,6 +16,34 @@ std::vector<std::string> Split(std::string_view text, char delimiter) {
     pieces.emplace_back(text.substr(start, end - start));
     start = end + 1;
   }
+}
+
+namespace {
+
+// memmem skips through text by pairs of bytes; markup, with a "<" every few bytes, would stop
+// a search for the first character at each of them.
+size_t Find(std::string_view text, std::string_view find, size_t from) {
+  const void* found = ::memmem(text.data() + from, text.size() - from, find.data(), find.size());
+  return found == nullptr ? std::string_view::npos
+                          : static_cast<size_t>(static_cast<const char*>(found) - text.data());
+}
+
+}  // namespace
+
+std::string Replace(std::string text, std::string_view find, std::string_view replacement) {
+  if (find.empty()) return text;
+  size_t at = Find(text, find, 0);
+  if (at == std::string_view::npos) return text;
+  std::string replaced;
+  replaced.reserve(text.size() + replacement.size());
+  size_t from = 0;
+  for (; at != std::string_view::npos; at = Find(text, find, from)) {
+    replaced.append(text, from, at - from);
+    replaced += replacement;
+    from = at + find.size();
+  }
+  replaced.append(text, from, std::string::npos);
+  return replaced;
 }
 
 }  // namespace tidewell

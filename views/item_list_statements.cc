@@ -1,5 +1,6 @@
 #include "views/item_list_statements.h"
 
+#include "runtime/strings.h"
 #include "views/item_list.h"
 
 namespace tidewell {
@@ -16,13 +17,6 @@ constexpr const char* kSortClauses[] = {
     kDayListDefaultSort, kOtherListDefaultSort, "Urgent ASC",    "Urgent DESC", "TimeText ASC",
     "TimeText DESC",     "Initials ASC",        "Initials DESC", "Heading ASC", "Heading DESC",
 };
-
-std::string ReplaceAll(std::string text, std::string_view from, std::string_view to) {
-  for (size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size())) {
-    text.replace(at, from.size(), to);
-  }
-  return text;
-}
 
 // Any other order came from a link someone wrote by hand. It stands in the statement as a
 // value without quotes, so the builder lets only a whole number through (a column's position,
@@ -72,23 +66,23 @@ Statement GroupScopeStatement(std::string_view owner_key) {
 std::string ExpandSortCode(std::string_view code, long mode) {
   if (code.empty())
     return mode <= list_modes::kDayRow ? kDayListDefaultSort : kOtherListDefaultSort;
-  std::string sort = ReplaceAll(std::string(code), "A", "ASC");
-  sort = ReplaceAll(std::move(sort), "D", "DESC");
+  std::string sort = Replace(std::string(code), "A", "ASC");
+  sort = Replace(std::move(sort), "D", "DESC");
   switch (code.front()) {
     case 'U':
-      sort = ReplaceAll(std::move(sort), "U", "Urgent");
+      sort = Replace(std::move(sort), "U", "Urgent");
       break;
     case 'T':
-      sort = ReplaceAll(std::move(sort), "T", "TimeText");
+      sort = Replace(std::move(sort), "T", "TimeText");
       break;
     case 'I':
-      sort = ReplaceAll(std::move(sort), "I", "Initials");
+      sort = Replace(std::move(sort), "I", "Initials");
       break;
     case 'H':
-      sort = ReplaceAll(std::move(sort), "H", "Heading");
+      sort = Replace(std::move(sort), "H", "Heading");
       break;
   }
-  return ReplaceAll(std::move(sort), "*", " ");
+  return Replace(std::move(sort), "*", " ");
 }
 
 Statement DayListStatement(long mode, std::string_view date, long hour, const ListOwner& owner,
