@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 
+#include "accounts/account_statements.h"
 #include "component/link_keys.h"
 #include "component/page.h"
 #include "data/open_database.h"
@@ -40,14 +41,6 @@ Statement AccountStatement(std::string_view key) {
   return Statement("SELECT * FROM Users WHERE OwnerKey = ").Text(key);
 }
 
-Statement KeyInUseStatement(std::string_view key) {
-  return Statement("SELECT OwnerKey FROM Users WHERE OwnerKey = ").Text(key);
-}
-
-Statement InsertGroupStatement(std::string_view name) {
-  return Statement("INSERT INTO Groups (GroupName) VALUES (").Text(name).Add(")");
-}
-
 Statement GroupNamedStatement(std::string_view name) {
   return Statement("SELECT GroupID FROM Groups WHERE GroupName = ").Text(name);
 }
@@ -66,10 +59,6 @@ Statement DeleteEveryGroupStatement() {
 
 // --- Reading ---
 
-std::string TextOf(const Variant& value) {
-  return value.IsNull() || value.IsEmpty() ? "" : CStr(value);
-}
-
 // Whether a group id read from the database is the one the form posted ("groupid" as text).
 bool IsPostedGroup(const Variant& group_id, const std::string& posted) {
   std::optional<double> number = ParseNumericText(posted);
@@ -87,10 +76,10 @@ bool ClashesWith(const Page& page, const std::string& owner_key) {
 void CheckName(Page& page) {
   Recordset rs;
   rs.Open(UserNamedStatement(page.FormValue("username")), *page.Connection);
-  if (rs.Eof() || !ClashesWith(page, TextOf(rs.Fields("OwnerKey").Value()))) return;
+  if (rs.Eof() || !ClashesWith(page, CStrOrBlank(rs.Fields("OwnerKey").Value()))) return;
   page.ErrorFlag = true;
   page.ErrorText =
-      "<br>There is already a user named: " + EscapeHtml(TextOf(rs.Fields("UserName").Value())) +
+      "<br>There is already a user named: " + EscapeHtml(CStrOrBlank(rs.Fields("UserName").Value())) +
       ", Please choose another.";
   page.ErrorKind = "U";
 }
@@ -103,12 +92,12 @@ void CheckInitials(Page& page) {
   rs.Open(InitialsStatement(page.FormValue("initials")), *page.Connection);
   for (; !rs.Eof(); rs.MoveNext()) {
     if (!IsPostedGroup(rs.Fields("GroupID").Value(), group)) continue;
-    if (!ClashesWith(page, TextOf(rs.Fields("OwnerKey").Value()))) continue;
+    if (!ClashesWith(page, CStrOrBlank(rs.Fields("OwnerKey").Value()))) continue;
     page.ErrorFlag = true;
     page.ErrorText += "<br>There is already a user with the initials: " +
-                      EscapeHtml(TextOf(rs.Fields("Initials").Value())) +
-                      " in the group: " + EscapeHtml(TextOf(rs.Fields("GroupName").Value())) +
-                      ".<br>The user is: " + EscapeHtml(TextOf(rs.Fields("UserName").Value())) +
+                      EscapeHtml(CStrOrBlank(rs.Fields("Initials").Value())) +
+                      " in the group: " + EscapeHtml(CStrOrBlank(rs.Fields("GroupName").Value())) +
+                      ".<br>The user is: " + EscapeHtml(CStrOrBlank(rs.Fields("UserName").Value())) +
                       ".";
     // Kept beside a "U" of the name check, so that the form empties both fields.
     page.ErrorKind += "I";
@@ -124,7 +113,7 @@ std::string FreshOwnerKey(Page& page) {
   for (;;) {
     std::string key = GenerateOwnerKey();
     Recordset rs;
-    rs.Open(KeyInUseStatement(key), *page.Connection);
+    rs.Open(OwnerKeyStatement(key), *page.Connection);
     if (rs.Eof()) return key;
   }
 }
@@ -202,7 +191,7 @@ void ChangeAccount(Page& page, AccountForm form) {
     rs.Fields("Options").SetValue(page.RequestValue("loadgroupdata") + tail);
   } else {
     // Without the display options the flag stands alone.
-    const std::string stored = TextOf(rs.Fields("Options").Value());
+    const std::string stored = CStrOrBlank(rs.Fields("Options").Value());
     rs.Fields("Options").SetValue(UsersOwnShowAllFlag(page, stored) + tail);
   }
   rs.Update();

@@ -2,6 +2,7 @@
 
 #include <string_view>
 
+#include "accounts/account_statements.h"
 #include "accounts/login.h"
 #include "component/page.h"
 #include "data/open_database.h"
@@ -15,19 +16,6 @@ namespace {
 using ado::Recordset;
 using ado::Statement;
 
-Statement AdministratorFlagStatement(std::string_view key) {
-  return Statement("SELECT Administrator FROM Users WHERE OwnerKey = ").Text(key);
-}
-
-bool IsAdministratorAccount(Page& page, std::string_view key) {
-  if (key.empty()) return false;
-  Recordset rs;
-  rs.Open(AdministratorFlagStatement(key), *page.Connection);
-  if (rs.Eof()) return false;
-  const Variant& flag = rs.Fields("Administrator").Value();
-  return !flag.IsNull() && !flag.IsEmpty() && CBool(flag);
-}
-
 // The login screen, with the modes of the first-administrator form switched off.
 void ShowLoginScreen(Page& page) {
   page.Screen = screens::kLogin;
@@ -36,6 +24,13 @@ void ShowLoginScreen(Page& page) {
 }
 
 }  // namespace
+
+bool IsAdministratorAccount(Page& page, std::string_view key) {
+  if (key.empty()) return false;
+  Recordset rs;
+  rs.Open(AdministratorFlagStatement(key), *page.Connection);
+  return !rs.Eof() && CBoolOrFalse(rs.Fields("Administrator").Value());
+}
 
 std::optional<std::string> AdministratorOfRequest(Page& page) {
   try {

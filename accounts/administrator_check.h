@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace tidewell {
 
@@ -12,6 +13,10 @@ struct Page;
 // of an account whose Administrator flag is set. Both keys have passed the link's key check
 // (only this server signs them); whether the account is an administrator is read from the
 // database each time, never taken from the link.
+
+// Whether `key` names an account whose Administrator flag is set; false for an empty key. A
+// failed read throws the DatabaseError.
+bool IsAdministratorAccount(Page& page, std::string_view key);
 
 // The key, UserKey first, of the administrator the request carries; nothing when neither key
 // names an administrator. A failed read becomes the pending error (and the answer nothing).

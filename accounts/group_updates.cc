@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "accounts/account_statements.h"
 #include "accounts/administrator_check.h"
 #include "component/page.h"
 #include "data/open_database.h"
@@ -17,10 +18,6 @@ namespace {
 
 using ado::Recordset;
 using ado::Statement;
-
-Statement InsertGroupStatement(std::string_view name) {
-  return Statement("INSERT INTO Groups (GroupName) VALUES (").Text(name).Add(")");
-}
 
 Statement GroupStatement(std::string_view group_id) {
   return Statement("SELECT * FROM Groups WHERE GroupID = ").Number(group_id);

@@ -1,5 +1,6 @@
 #include "accounts/login.h"
 
+#include "accounts/account_statements.h"
 #include "accounts/user_options.h"
 #include "component/page.h"
 #include "data/open_database.h"
@@ -33,33 +34,21 @@ Statement CurrentUserStatement(std::string_view key) {
       .Text(key);
 }
 
-Statement AdministratorFlagStatement(std::string_view key) {
-  return Statement("SELECT Administrator FROM Users WHERE OwnerKey = ").Text(key);
-}
-
 Statement AnyAdministratorStatement(ASPDataServer dialect) {
   return Statement("SELECT OwnerKey FROM Users Where Administrator = ").TrueValue(dialect);
 }
 
-// Text and flag columns may hold Null; they read as "" and false.
-std::string TextOf(const Variant& value) {
-  return value.IsNull() || value.IsEmpty() ? "" : CStr(value);
-}
-bool FlagOf(const Variant& value) {
-  return value.IsNull() || value.IsEmpty() ? false : CBool(value);
-}
-
 void ReadAccount(Page& page, Recordset& rs) {
   CurrentUser& user = page.User;
-  user.Username = TextOf(rs.Fields("Username").Value());
-  user.Password = TextOf(rs.Fields("Password").Value());
-  user.Initials = TextOf(rs.Fields("Initials").Value());
+  user.Username = CStrOrBlank(rs.Fields("Username").Value());
+  user.Password = CStrOrBlank(rs.Fields("Password").Value());
+  user.Initials = CStrOrBlank(rs.Fields("Initials").Value());
   user.DefaultView = CLng(rs.Fields("DefaultView").Value());
-  user.Options = TextOf(rs.Fields("Options").Value());
-  user.Administrator = FlagOf(rs.Fields("Administrator").Value());
+  user.Options = CStrOrBlank(rs.Fields("Options").Value());
+  user.Administrator = CBoolOrFalse(rs.Fields("Administrator").Value());
   page.UserGroupId = CLng(rs.Fields("GroupID").Value());
-  user.GroupName = TextOf(rs.Fields("GroupName").Value());
-  page.UserBanner = "<b>Group:</b> " + EscapeHtml(TextOf(rs.Fields("GroupName").Value())) +
+  user.GroupName = CStrOrBlank(rs.Fields("GroupName").Value());
+  page.UserBanner = "<b>Group:</b> " + EscapeHtml(CStrOrBlank(rs.Fields("GroupName").Value())) +
                     " | <b>User:</b> " + EscapeHtml(user.Username);
 }
 
@@ -75,7 +64,7 @@ void CheckActingAdministrator(Page& page) {
   rs.Open(AdministratorFlagStatement(page.AdminKey), *page.Connection);
   if (rs.Eof()) {
     page.Screen = screens::kLogin;
-  } else if (!FlagOf(rs.Fields("Administrator").Value())) {
+  } else if (!CBoolOrFalse(rs.Fields("Administrator").Value())) {
     page.Screen = screens::kLogin;
     page.AdminKey.clear();
   }
@@ -135,9 +124,9 @@ std::string LoginUser(Page& page, std::string_view user_name, std::string_view p
     }
     page.Screen = CLng(rs.Fields("DefaultView").Value());
     page.ReturnView = page.Screen;
-    UserOptions options = ReadUserOptions(TextOf(rs.Fields("Options").Value()));
+    UserOptions options = ReadUserOptions(CStrOrBlank(rs.Fields("Options").Value()));
     if (options.start_hour) page.CurrentHour = *options.start_hour;
-    return TextOf(rs.Fields("OwnerKey").Value());
+    return CStrOrBlank(rs.Fields("OwnerKey").Value());
   } catch (const ado::DatabaseError& error) {
     TrapDatabaseError(page, error);
     return "";

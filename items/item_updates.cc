@@ -1,5 +1,7 @@
 #include "items/item_updates.h"
 
+#include "accounts/account_statements.h"
+#include "accounts/administrator_check.h"
 #include "component/link_keys.h"
 #include "component/page.h"
 #include "data/open_database.h"
@@ -38,14 +40,6 @@ Statement DeleteOwnItemStatement(long item_id, std::string_view owner_key) {
       .Text(owner_key);
 }
 
-Statement AdministratorFlagStatement(std::string_view owner_key) {
-  return Statement("SELECT Administrator FROM Users WHERE OwnerKey = ").Text(owner_key);
-}
-
-Statement AccountStatement(std::string_view owner_key) {
-  return Statement("SELECT OwnerKey FROM Users WHERE OwnerKey = ").Text(owner_key);
-}
-
 // --- The posted form ---
 
 struct PostedItem {
@@ -75,19 +69,9 @@ PostedItem ReadPostedItem(const Page& page) {
   return item;
 }
 
-bool ReadsTrue(const Variant& value) {
-  return !value.IsNull() && !value.IsEmpty() && CBool(value);
-}
-
-bool IsAdministrator(Page& page, std::string_view owner_key) {
-  Recordset rs;
-  rs.Open(AdministratorFlagStatement(owner_key), *page.Connection);
-  return !rs.Eof() && ReadsTrue(rs.Fields("Administrator").Value());
-}
-
 bool AccountExists(Page& page, std::string_view owner_key) {
   Recordset rs;
-  rs.Open(AccountStatement(owner_key), *page.Connection);
+  rs.Open(OwnerKeyStatement(owner_key), *page.Connection);
   return !rs.Eof();
 }
 
@@ -97,7 +81,7 @@ bool AccountExists(Page& page, std::string_view owner_key) {
 std::string ChosenOwner(Page& page, const std::string& posted) {
   if (posted == page.UserKey) return posted;
   const bool offered = !page.AdminKey.empty() && IsOwnerKey(posted) &&
-                       IsAdministrator(page, page.AdminKey) && AccountExists(page, posted);
+                       IsAdministratorAccount(page, page.AdminKey) && AccountExists(page, posted);
   return offered ? posted : page.UserKey;
 }
 
@@ -113,12 +97,9 @@ void AssignColumns(Recordset& rs, const PostedItem& item) {
 
 // The item's columns as the form shows them, true flags as the word "checked".
 ItemFormValues ReadItem(Recordset& rs) {
-  auto text = [&rs](const char* column) {
-    const Variant& value = rs.Fields(column).Value();
-    return value.IsNull() || value.IsEmpty() ? std::string() : CStr(value);
-  };
+  auto text = [&rs](const char* column) { return CStrOrBlank(rs.Fields(column).Value()); };
   auto checked = [&rs](const char* column) {
-    return ReadsTrue(rs.Fields(column).Value()) ? std::string("checked") : std::string();
+    return CBoolOrFalse(rs.Fields(column).Value()) ? std::string("checked") : std::string();
   };
   ItemFormValues values;
   values.owner_key = text("OwnerKey");

@@ -188,4 +188,14 @@ std::string FormatTwoDigits(long n) {
   return buffer;
 }
 
+std::string CStrOrBlank(const Variant& v) {
+  return v.IsNull() || v.IsEmpty() ? "" : CStr(v);
+}
+int32_t CLngOrZero(const Variant& v) {
+  return v.IsNull() || v.IsEmpty() ? 0 : CLng(v);
+}
+bool CBoolOrFalse(const Variant& v) {
+  return v.IsNull() || v.IsEmpty() ? false : CBool(v);
+}
+
 }  // namespace tidewell

@@ -19,6 +19,12 @@ double CDbl(const Variant& v);
 bool CBool(const Variant& v);
 Date CDate(const Variant& v);
 
+// The same for a column that may hold Null (never written) or nothing: it reads as "", 0 or
+// false instead of failing.
+std::string CStrOrBlank(const Variant& v);
+int32_t CLngOrZero(const Variant& v);
+bool CBoolOrFalse(const Variant& v);
+
 bool IsNumeric(const Variant& v);
 bool IsDate(const Variant& v);
 

@@ -61,14 +61,6 @@ std::optional<SearchDates> PostedDates(Page& page) {
 
 // --- The result table ---
 
-// Columns may hold Null; they read as "" and false.
-std::string TextOf(const Variant& value) {
-  return value.IsNull() || value.IsEmpty() ? "" : CStr(value);
-}
-bool FlagOf(const Variant& value) {
-  return value.IsNull() || value.IsEmpty() ? false : CBool(value);
-}
-
 Statement GroupNameStatement(std::string_view group_id) {
   return Statement("SELECT GroupName FROM Groups WHERE GroupID = ").Number(group_id);
 }
@@ -77,7 +69,7 @@ std::string GroupNameOf(Page& page, const std::string& group_id) {
   if (group_id.empty()) return "";
   Recordset rs;
   rs.Open(GroupNameStatement(group_id), *page.Connection);
-  const std::string name = rs.Eof() ? "" : TextOf(rs.Fields("GroupName").Value());
+  const std::string name = rs.Eof() ? "" : CStrOrBlank(rs.Fields("GroupName").Value());
   rs.Close();
   return name;
 }
@@ -113,20 +105,20 @@ std::string TimeViewLink(const Page& page, Recordset& rs) {
 }
 
 std::string ItemRow(const Page& page, Recordset& rs) {
-  const bool complete = FlagOf(rs.Fields("Complete").Value());
+  const bool complete = CBoolOrFalse(rs.Fields("Complete").Value());
   std::string row = "<tr bgcolor=" + page.props.TimeViewHeadingColor + " >";
-  if (FlagOf(rs.Fields("Urgent").Value())) {
+  if (CBoolOrFalse(rs.Fields("Urgent").Value())) {
     row += "<td class=text width=10 align=center ><img src=" + page.props.ImagePath +
            "icon_urgent.gif width=6 height=12 border=0 ></td>";
   } else {
     row += "<td class=text width=10 align=center >&nbsp;</td>";
   }
   row += "<td class=text width=70 align=left >" +
-         AsShown(page, complete, TextOf(rs.Fields("DateStamp").Value())) + "</td>";
+         AsShown(page, complete, CStrOrBlank(rs.Fields("DateStamp").Value())) + "</td>";
   row += "<td class=text width=22 align=center >" +
-         AsShown(page, complete, EscapeHtml(TextOf(rs.Fields("TimeText").Value()))) + "</td>";
+         AsShown(page, complete, EscapeHtml(CStrOrBlank(rs.Fields("TimeText").Value()))) + "</td>";
   row += "<td class=text width=425 align=left ><a class=search href=" + TimeViewLink(page, rs) +
-         " >" + AsShown(page, complete, EscapeHtml(TextOf(rs.Fields("Heading").Value()))) +
+         " >" + AsShown(page, complete, EscapeHtml(CStrOrBlank(rs.Fields("Heading").Value()))) +
          "</a></td>";
   row += "</tr>";
   return row;
@@ -141,12 +133,12 @@ std::string ResultTable(Page& page, Recordset& rs) {
   std::optional<std::string> previous_group, previous_user;
   std::string group_name;
   for (; !rs.Eof(); rs.MoveNext()) {
-    const std::string group = TextOf(rs.Fields("GroupID").Value());
+    const std::string group = CStrOrBlank(rs.Fields("GroupID").Value());
     if (group != previous_group) {
       group_name = GroupNameOf(page, group);
       previous_group = group;
     }
-    const std::string user = TextOf(rs.Fields("UserName").Value());
+    const std::string user = CStrOrBlank(rs.Fields("UserName").Value());
     if (Trim(user) != previous_user) {
       table += UserHeadingRow(page, group_name, user);
       previous_user = Trim(user);

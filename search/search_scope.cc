@@ -3,25 +3,20 @@
 #include "component/link_keys.h"
 #include "component/page.h"
 #include "data/recordset.h"
-#include "data/statement.h"
 #include "runtime/conversions.h"
+#include "views/item_list_statements.h"
 
 namespace tidewell {
 namespace {
 
 using ado::Recordset;
-using ado::Statement;
-
-Statement MemberGroupStatement(std::string_view owner_key) {
-  return Statement("SELECT GroupID FROM Users WHERE OwnerKey = ").Text(owner_key);
-}
 
 // Whether `owner_key` names an account of the searcher's group. Text that is no key never
 // reaches the statement.
 bool IsGroupMember(Page& page, std::string_view owner_key) {
   if (!IsOwnerKey(owner_key)) return false;
   Recordset rs;
-  rs.Open(MemberGroupStatement(owner_key), *page.Connection);
+  rs.Open(GroupScopeStatement(owner_key), *page.Connection);
   const bool member = !rs.Eof() && !rs.Fields("GroupID").Value().IsNull() &&
                       CLng(rs.Fields("GroupID").Value()) == page.UserGroupId;
   rs.Close();

@@ -3,21 +3,6 @@
 #include "runtime/conversions.h"
 
 namespace tidewell {
-namespace {
-
-// Columns that may hold Null (a description never written, a flag left unset) read as
-// nothing.
-std::string TextOf(const Variant& value) {
-  return value.IsNull() || value.IsEmpty() ? "" : CStr(value);
-}
-long NumberOf(const Variant& value) {
-  return value.IsNull() || value.IsEmpty() ? 0 : CLng(value);
-}
-bool FlagOf(const Variant& value) {
-  return value.IsNull() || value.IsEmpty() ? false : CBool(value);
-}
-
-}  // namespace
 
 ItemReader::ItemReader(ado::Recordset& rs, bool time_table)
     : item_id_(rs.Fields("ItemID")),
@@ -35,17 +20,17 @@ ItemReader::ItemReader(ado::Recordset& rs, bool time_table)
 
 ItemRow ItemReader::Read() const {
   ItemRow row;
-  row.item_id = NumberOf(item_id_.Value());
-  row.heading = TextOf(heading_.Value());
-  row.hour = NumberOf(hour_.Value());
-  row.time_text = TextOf(time_text_.Value());
-  row.urgent = FlagOf(urgent_.Value());
-  row.initials = TextOf(initials_.Value());
-  row.complete = FlagOf(complete_.Value());
+  row.item_id = CLngOrZero(item_id_.Value());
+  row.heading = CStrOrBlank(heading_.Value());
+  row.hour = CLngOrZero(hour_.Value());
+  row.time_text = CStrOrBlank(time_text_.Value());
+  row.urgent = CBoolOrFalse(urgent_.Value());
+  row.initials = CStrOrBlank(initials_.Value());
+  row.complete = CBoolOrFalse(complete_.Value());
   if (owner_key_) {
-    row.owner_key = TextOf(owner_key_->Value());
-    row.user_name = TextOf(user_name_->Value());
-    row.description = TextOf(description_->Value());
+    row.owner_key = CStrOrBlank(owner_key_->Value());
+    row.user_name = CStrOrBlank(user_name_->Value());
+    row.description = CStrOrBlank(description_->Value());
   }
   return row;
 }

@@ -13,23 +13,19 @@ namespace {
 using ado::Recordset;
 using ado::Statement;
 
-std::string TextOf(const Variant& value) {
-  return value.IsNull() || value.IsEmpty() ? "" : CStr(value);
-}
-
 // Every user the statement reads, the one whose key is `selected_key` preselected.
 std::string UserOptions(Page& page, const Statement& statement, std::string_view selected_key) {
   std::string options;
   Recordset rs;
   rs.Open(statement, *page.Connection);
   for (; !rs.Eof(); rs.MoveNext()) {
-    const std::string key = TextOf(rs.Fields("OwnerKey").Value());
+    const std::string key = CStrOrBlank(rs.Fields("OwnerKey").Value());
     const Variant& administrator = rs.Fields("Administrator").Value();
     options += key == selected_key ? "<option selected " : "<option ";
     options += !administrator.IsNull() && CBool(administrator) ? "class=admin" : "class=text";
     options += " value=" + EscapeHtml(key) + " >" +
-               EscapeHtml(TextOf(rs.Fields("GroupName").Value())) + " - " +
-               EscapeHtml(TextOf(rs.Fields("Username").Value())) + "</option>";
+               EscapeHtml(CStrOrBlank(rs.Fields("GroupName").Value())) + " - " +
+               EscapeHtml(CStrOrBlank(rs.Fields("Username").Value())) + "</option>";
   }
   rs.Close();
   return options;
@@ -49,7 +45,7 @@ std::string GroupOptions(Page& page, long selected_id, bool only_empty) {
   for (; !rs.Eof(); rs.MoveNext()) {
     const long id = CLng(rs.Fields("GroupID").Value());
     if (only_empty && HasMembers(page, id)) continue;
-    options += TextOption(std::to_string(id), EscapeHtml(TextOf(rs.Fields("GroupName").Value())),
+    options += TextOption(std::to_string(id), EscapeHtml(CStrOrBlank(rs.Fields("GroupName").Value())),
                           !only_empty && id == selected_id);
   }
   rs.Close();
@@ -64,7 +60,7 @@ std::string SearchGroupOptions(Page& page, std::string_view posted_owner) {
   for (; !rs.Eof(); rs.MoveNext()) {
     const std::string id = std::to_string(CLng(rs.Fields("GroupID").Value()));
     options += TextOption(
-        id, "- Search Group " + EscapeHtml(TextOf(rs.Fields("GroupName").Value())) + " -",
+        id, "- Search Group " + EscapeHtml(CStrOrBlank(rs.Fields("GroupName").Value())) + " -",
         id == posted_owner);
   }
   rs.Close();

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string_view>
+
+#include "data/statement.h"
+
+namespace tidewell {
+
+// Statements about accounts and groups that more than one part of the calendar runs.
+
+// "SELECT Administrator FROM Users WHERE OwnerKey = " K: whether the account is an
+// administrator (no row when there is no such account).
+ado::Statement AdministratorFlagStatement(std::string_view owner_key);
+
+// "SELECT OwnerKey FROM Users WHERE OwnerKey = " K: whether an account has the key.
+ado::Statement OwnerKeyStatement(std::string_view owner_key);
+
+// "INSERT INTO Groups (GroupName) VALUES (" N ")": fails when a group has the name already.
+ado::Statement InsertGroupStatement(std::string_view name);
+
+}  // namespace tidewell
