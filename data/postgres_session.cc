@@ -1,6 +1,7 @@
 #include "data/postgres_session.h"
 
 #include <libpq-fe.h>
+#include <poll.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -164,8 +165,16 @@ class PostgresSession : public Session {
     return rows.values.at(0).at(0).AsBoolean();
   }
 
+  // libpq learns that the server ended the connection (a restart, an administrator's
+  // pg_terminate_backend) only when it reads from the socket. Between requests the server has
+  // nothing to say to a session: anything waiting on its socket, the goodbye or the closed
+  // end, means it is no longer one to hand to a request.
   bool Reusable() const override {
-    return PQstatus(conn_) == CONNECTION_OK && PQtransactionStatus(conn_) == PQTRANS_IDLE;
+    if (PQstatus(conn_) != CONNECTION_OK || PQtransactionStatus(conn_) != PQTRANS_IDLE) {
+      return false;
+    }
+    pollfd socket{PQsocket(conn_), POLLIN, 0};
+    return ::poll(&socket, 1, /*timeout=*/0) == 0;
   }
 
  private:
@@ -228,9 +237,12 @@ bool IsLibpqKeyword(const std::string& key) {
   throw DatabaseError(error_numbers::kInvalidArgument, reason);
 }
 
-// libpq's keyword and value lists for the settings, with our defaults where none is given.
+// libpq's keyword and value lists for the settings. Our defaults come first: libpq takes the
+// last value a keyword is given, and a URI's own parameters are expanded where the URI stands.
 void CollectSettings(const ConnectionSettings& settings, std::vector<std::string>& keys,
                      std::vector<std::string>& values) {
+  keys = {"connect_timeout", "client_encoding", "application_name"};
+  values = {"10", "UTF8", "tidewell"};
   if (!settings.uri.empty()) {
     char* error = nullptr;
     PQconninfoOption* parsed = PQconninfoParse(settings.uri.c_str(), &error);
@@ -249,15 +261,6 @@ void CollectSettings(const ConnectionSettings& settings, std::vector<std::string
     keys.push_back(key);
     values.push_back(value);
   }
-  auto add_default = [&](const char* key, const char* value) {
-    if (!settings.Get(key)) {
-      keys.push_back(key);
-      values.push_back(value);
-    }
-  };
-  add_default("connect_timeout", "10");
-  add_default("client_encoding", "UTF8");
-  add_default("application_name", "tidewell");
 }
 
 }  // namespace

@@ -43,14 +43,20 @@ std::pair<std::string, SessionFactory> FindProvider(Registry& registry, const st
                           name + "; the providers are SQLite and PostgreSQL.)");
 }
 
-std::unique_ptr<Session> TakeIdle(Registry& registry, const std::string& connection_string) {
+std::unique_ptr<Session> PopIdle(Registry& registry, const std::string& connection_string) {
   std::lock_guard lock(registry.mutex);
   auto found = registry.idle.find(connection_string);
-  if (found == registry.idle.end()) return nullptr;
-  // A session whose engine went away while it was idle is dropped for a fresh one.
-  while (!found->second.empty()) {
-    std::unique_ptr<Session> session = std::move(found->second.back());
-    found->second.pop_back();
+  if (found == registry.idle.end() || found->second.empty()) return nullptr;
+  std::unique_ptr<Session> session = std::move(found->second.back());
+  found->second.pop_back();
+  return session;
+}
+
+// A session whose engine went away while it was idle is dropped for the next one. The check
+// may touch the file or the socket, and dropping closes the session: both happen outside the
+// lock every request takes.
+std::unique_ptr<Session> TakeIdle(Registry& registry, const std::string& connection_string) {
+  while (std::unique_ptr<Session> session = PopIdle(registry, connection_string)) {
     if (session->Reusable()) return session;
   }
   return nullptr;
