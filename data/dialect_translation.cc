@@ -37,18 +37,17 @@ Token NextToken(std::string_view rest) {
   if (rest.starts_with("--")) return {TokenKind::kSpace, rest.substr(0, until(2, "\n"))};
   if (rest.starts_with("/*")) return {TokenKind::kSpace, rest.substr(0, until(2, "*/"))};
   if (c == '\'') {
-    size_t n = 1;
-    while (n < rest.size()) {
-      if (rest[n] == '\'' && n + 1 < rest.size() && rest[n + 1] == '\'') {
-        n += 2;
-      } else if (rest[n] == '\'') {
-        ++n;
-        break;
-      } else {
-        ++n;
+    for (size_t n = 1; n < rest.size(); ++n) {
+      if (rest[n] != '\'') continue;
+      if (n + 1 < rest.size() && rest[n + 1] == '\'') {
+        ++n;  // a doubled quote stands for one
+        continue;
       }
+      return {TokenKind::kText, rest.substr(0, n + 1)};
     }
-    return {TokenKind::kText, rest.substr(0, n)};
+    // A quote never closed is no value: the rest goes to the engine as written, which
+    // refuses it.
+    return {TokenKind::kOther, rest};
   }
   if (c == '"') return {TokenKind::kQuotedName, rest.substr(0, until(1, "\""))};
   if (c == '`') return {TokenKind::kQuotedName, rest.substr(0, until(1, "`"))};

@@ -238,6 +238,7 @@ void Recordset::LoadDeferredRows() {
   if (!rows_deferred_) return;
   rows_ = connection_->session().RunBound("SELECT * FROM " + table_, {}).values;
   rows_deferred_ = false;
+  rows_added_ = 0;  // the rows read now include the ones added before
 }
 
 bool Recordset::AtEnd() {

@@ -35,6 +35,16 @@ TYPED_TEST(Reads, NamesCompareWithoutRegardToCaseButPasswordsExactly) {
   EXPECT_TRUE(this->Column(this->LoginStatement("alice", "SECRET"), "OwnerKey").empty());
 }
 
+// A quote the statement's text opens and never closes is the engine's to refuse; it is not
+// read as a value that ends one character early.
+TYPED_TEST(Reads, AQuoteLeftOpenFailsTheStatement) {
+  this->AddItem("k1", kNov3, 9, "one");
+  Recordset rs;
+  EXPECT_THROW(rs.Open(Statement("SELECT Heading FROM Items WHERE Heading = 'onex"),
+                       this->connection_),
+               DatabaseError);
+}
+
 TYPED_TEST(Reads, ColumnNamesIgnoreCase) {
   Recordset rs;
   rs.Open(Statement("SELECT UserName, OwnerKey FROM Users WHERE UserName = ").Text("bob"),

@@ -22,6 +22,18 @@ TYPED_TEST(Writes, AddNewTakesTheKeyTheEngineGenerates) {
             std::vector<std::string>{"Two"});
 }
 
+TYPED_TEST(Writes, RecordCountOfATableCountsAnAddedRowOnce) {
+  this->AddItem("k1", kNov3, 9, "One");
+  this->AddItem("k1", kNov3, 10, "Two");
+  Recordset rs;
+  rs.Open(Statement("Items"), this->connection_, ado::adOpenKeyset, ado::adLockOptimistic);
+  rs.AddNew();
+  rs.Fields("OwnerKey").SetValue("k1");
+  rs.Fields("Heading").SetValue("Three");
+  rs.Update();
+  EXPECT_EQ(rs.RecordCount(), 3);
+}
+
 TYPED_TEST(Writes, AddNewLeavesUnassignedFlagsFalse) {
   long id = this->AddItem("k1", kNov3, 9, "Plain");
   Recordset rs;
