@@ -1,19 +1,12 @@
 #include "component/asp_objects.h"
 
-#include <strings.h>
+#include "runtime/strings.h"
 
 namespace tidewell {
-namespace {
-
-bool SameName(std::string_view a, std::string_view b) {
-  return a.size() == b.size() && strncasecmp(a.data(), b.data(), a.size()) == 0;
-}
-
-}  // namespace
 
 bool AspCollection::Contains(std::string_view name) const {
   for (const auto& [key, value] : items_) {
-    if (SameName(key, name)) return true;
+    if (EqualsIgnoringCase(key, name)) return true;
   }
   return false;
 }
@@ -22,7 +15,7 @@ std::string AspCollection::operator()(std::string_view name) const {
   std::string joined;
   bool first = true;
   for (const auto& [key, value] : items_) {
-    if (!SameName(key, name)) continue;
+    if (!EqualsIgnoringCase(key, name)) continue;
     if (!first) joined += ", ";
     joined += value;
     first = false;

@@ -1,13 +1,12 @@
 #include "component/property_table.h"
 
-#include <strings.h>
-
 #include <array>
 #include <string>
 #include <variant>
 
 #include "runtime/automation_error.h"
 #include "runtime/conversions.h"
+#include "runtime/strings.h"
 
 namespace tidewell {
 namespace {
@@ -47,8 +46,7 @@ const std::array<Entry, 22> kProperties = {{
 
 const Entry* FindOrNull(std::string_view name) {
   for (const Entry& e : kProperties) {
-    if (e.name.size() == name.size() && strncasecmp(e.name.data(), name.data(), name.size()) == 0)
-      return &e;
+    if (EqualsIgnoringCase(e.name, name)) return &e;
   }
   return nullptr;
 }
@@ -63,8 +61,8 @@ const Entry& Find(std::string_view name) {
 ASPDataServer ToDataServer(const Variant& value) {
   if (value.type() == Variant::Type::kString) {
     std::string text = Trim(value.AsString());
-    if (strcasecmp(text.c_str(), "Access") == 0) return ASPDataServer::Access;
-    if (strcasecmp(text.c_str(), "SQLServer") == 0) return ASPDataServer::SQLServer;
+    if (EqualsIgnoringCase(text, "Access")) return ASPDataServer::Access;
+    if (EqualsIgnoringCase(text, "SQLServer")) return ASPDataServer::SQLServer;
   }
   int32_t n = CLng(value);
   if (n != 0 && n != 1) RaiseTypeMismatch();

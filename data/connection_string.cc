@@ -60,17 +60,6 @@ bool IsPostgresUri(std::string_view part) {
 
 }  // namespace
 
-// Names are ASCII. Folding A-Z here rather than through the C library's tolower matters:
-// every field a recordset reads is found by its name.
-bool EqualsIgnoringCase(std::string_view a, std::string_view b) {
-  if (a.size() != b.size()) return false;
-  auto fold = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
-  for (size_t i = 0; i < a.size(); ++i) {
-    if (fold(a[i]) != fold(b[i])) return false;
-  }
-  return true;
-}
-
 std::optional<std::string> ConnectionSettings::Get(std::string_view key) const {
   std::optional<std::string> found;
   for (const auto& [name, value] : settings) {

@@ -6,6 +6,8 @@
 #include <utility>
 #include <vector>
 
+#include "runtime/strings.h"
+
 namespace tidewell::ado {
 
 // A connection string read as ADO read it: "Key=Value" settings separated by ";", keys
@@ -23,7 +25,5 @@ struct ConnectionSettings {
 // Throws DatabaseError: kProviderNotFound when no provider is named (an empty string
 // included), kInvalidArgument when the text is not in the Key=Value form.
 ConnectionSettings ParseConnectionString(std::string_view text);
-
-bool EqualsIgnoringCase(std::string_view a, std::string_view b);
 
 }  // namespace tidewell::ado

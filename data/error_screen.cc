@@ -3,6 +3,7 @@
 #include <string>
 
 #include "component/page.h"
+#include "frame/markup.h"
 
 namespace tidewell {
 namespace {
@@ -87,9 +88,7 @@ void ErrorScreen(Page& page) {
   out +=
       "<td class=mwdname align=left valign=middle width=550>&nbsp;<b>Error Information.</b></td>";
   out += "</tr></table>";
-  out +=
-      "<table align=center width=610 height=456 cellpadding=3 cellspacing=0 border=1 bordercolor=" +
-      color + ">";
+  AppendBodyTable(page);
   out += "<tr bgcolor=#ffffff>";
   out += "<td class=dtname align=center valign=top width=50 height=456 nowrap>&nbsp;</td>";
   out += "<td class=text align=left valign=top width=560 height=456>";

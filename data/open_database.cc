@@ -5,40 +5,17 @@
 
 #include "component/page.h"
 #include "data/connection.h"
+#include "frame/markup.h"
 
 namespace tidewell {
 namespace {
-
-// The engine's message is shown as received, but it may quote a value a visitor typed: it
-// is escaped like every other text that did not come from us.
-std::string EscapeHtml(const std::string& text) {
-  std::string escaped;
-  for (char c : text) {
-    switch (c) {
-      case '&':
-        escaped += "&amp;";
-        break;
-      case '<':
-        escaped += "&lt;";
-        break;
-      case '>':
-        escaped += "&gt;";
-        break;
-      case '"':
-        escaped += "&quot;";
-        break;
-      default:
-        escaped += c;
-    }
-  }
-  return escaped;
-}
 
 void SetPendingError(Page& page, const char* kind, const char* heading,
                      const ado::DatabaseError& error) {
   page.ErrorFlag = true;
   page.ErrorText = std::string("<font color=#b22222><b>") + heading +
                    "</b></font><br><br>Error Number: " + std::to_string(error.number()) + "<br>" +
+                   // The engine's message may quote a value a visitor typed.
                    EscapeHtml(error.description());
   page.ErrorKind = kind;
   page.Screen = screens::kErrorScreen;

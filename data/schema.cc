@@ -128,7 +128,7 @@ void CreateTables(ado::Connection& connection) {
 
 // For a SQLite connection string: the file, when it is one that does not exist yet.
 std::string MissingSqliteFile(const ado::ConnectionSettings& settings) {
-  if (!ado::EqualsIgnoringCase(settings.provider, "SQLite")) return "";
+  if (!EqualsIgnoringCase(settings.provider, "SQLite")) return "";
   std::string path = ado::SqliteDataSource(settings);
   if (path == ":memory:" || FileExists(path)) return "";
   return path;
@@ -161,7 +161,7 @@ EmbeddedDatabaseReport PrepareEmbeddedDatabase(const std::string& connection_str
   std::string path;
   try {
     ado::ConnectionSettings settings = ado::ParseConnectionString(connection_string);
-    if (!ado::EqualsIgnoringCase(settings.provider, "SQLite")) return {Outcome::kNotEmbedded, ""};
+    if (!EqualsIgnoringCase(settings.provider, "SQLite")) return {Outcome::kNotEmbedded, ""};
     if (ado::SqliteDataSource(settings) == ":memory:") return {Outcome::kNotEmbedded, ""};
     path = MissingSqliteFile(settings);
   } catch (const ado::DatabaseError& error) {

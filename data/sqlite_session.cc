@@ -315,11 +315,6 @@ class SqliteSession : public Session {
     }
   }
 
-  static std::string Lower(std::string_view text) {
-    std::string lower(text);
-    for (char& c : lower) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    return lower;
-  }
 
   sqlite3* db_;
   std::string path_;

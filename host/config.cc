@@ -1,6 +1,5 @@
 #include "host/config.h"
 
-#include <strings.h>
 
 #include <fstream>
 #include <sstream>
@@ -10,13 +9,10 @@
 #include "host/page_template.h"
 #include "runtime/automation_error.h"
 #include "runtime/conversions.h"
+#include "runtime/strings.h"
 
 namespace tidewell {
 namespace {
-
-bool SameName(std::string_view a, std::string_view b) {
-  return a.size() == b.size() && strncasecmp(a.data(), b.data(), a.size()) == 0;
-}
 
 std::string TrimBlanks(std::string_view s) {
   size_t start = s.find_first_not_of(" \t\r");
@@ -78,23 +74,23 @@ class ConfigReader {
   void Apply(const std::string& name, const std::string& value, SiteConfig& config,
              PageConfig& page, bool top) {
     if (IsPropertyName(name)) return ApplyProperty(name, value, page);
-    if (SameName(name, "PageTemplate")) return ApplyTemplate(value, page);
-    if (SameName(name, "AutoLogin")) return ApplyAutoLogin(value, page);
+    if (EqualsIgnoringCase(name, "PageTemplate")) return ApplyTemplate(value, page);
+    if (EqualsIgnoringCase(name, "AutoLogin")) return ApplyAutoLogin(value, page);
     if (!top) Fail(name + " applies to the whole server; set it before any [page] section");
-    if (SameName(name, "Listen")) {
+    if (EqualsIgnoringCase(name, "Listen")) {
       if (value.rfind(':') == std::string::npos) Fail("Listen takes HOST:PORT");
       config.listen = value;
-    } else if (SameName(name, "Locale")) {
+    } else if (EqualsIgnoringCase(name, "Locale")) {
       if (value != "en-US" && value != "en-GB") Fail("Locale is en-US or en-GB, not " + value);
       config.locale = value;
-    } else if (SameName(name, "LinkSecret")) {
+    } else if (EqualsIgnoringCase(name, "LinkSecret")) {
       if (value.size() < 16) Fail("LinkSecret needs at least 16 characters");
       config.link_secret = value;
-    } else if (SameName(name, "LinkLifetime")) {
+    } else if (EqualsIgnoringCase(name, "LinkLifetime")) {
       long seconds = ParseWholeNumber(value);
       if (seconds <= 0) Fail("LinkLifetime is a number of seconds above 0");
       config.link_lifetime_seconds = seconds;
-    } else if (SameName(name, "AssetFolder")) {
+    } else if (EqualsIgnoringCase(name, "AssetFolder")) {
       config.asset_folder = value;
     } else {
       Fail("unknown name " + name);
@@ -156,7 +152,7 @@ class ConfigReader {
 std::string PageConfig::PropertyValue(std::string_view name) const {
   std::string value;
   for (const PropertySetting& setting : properties) {
-    if (SameName(setting.name, name)) value = setting.value;
+    if (EqualsIgnoringCase(setting.name, name)) value = setting.value;
   }
   return value;
 }

@@ -23,7 +23,7 @@ namespace fs = std::filesystem;
 std::optional<fs::path> EmbeddedDatabaseFile(const std::string& connection_string) {
   try {
     ado::ConnectionSettings settings = ado::ParseConnectionString(connection_string);
-    if (!ado::EqualsIgnoringCase(settings.provider, "SQLite")) return std::nullopt;
+    if (!EqualsIgnoringCase(settings.provider, "SQLite")) return std::nullopt;
     std::optional<std::string> file = settings.Get("Data Source");
     if (!file || file->empty() || *file == ":memory:") return std::nullopt;
     return fs::path(*file);

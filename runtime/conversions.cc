@@ -7,19 +7,10 @@
 
 #include "runtime/automation_error.h"
 #include "runtime/date_text.h"
+#include "runtime/strings.h"
 
 namespace tidewell {
 namespace {
-
-bool EqualsIgnoringCase(std::string_view a, std::string_view b) {
-  if (a.size() != b.size()) return false;
-  for (size_t i = 0; i < a.size(); ++i) {
-    if (std::tolower(static_cast<unsigned char>(a[i])) !=
-        std::tolower(static_cast<unsigned char>(b[i])))
-      return false;
-  }
-  return true;
-}
 
 // "&HFF", "&O17": up to four digits make a 16-bit value, more a 32-bit one, both signed.
 std::optional<double> ParseRadixText(std::string_view digits, int radix) {

@@ -7,6 +7,7 @@
 #include "runtime/clock.h"
 #include "runtime/dates.h"
 #include "runtime/regional_settings.h"
+#include "runtime/strings.h"
 
 namespace tidewell {
 namespace {
@@ -54,12 +55,6 @@ std::optional<std::vector<Token>> Tokenize(std::string_view text) {
     }
   }
   return tokens;
-}
-
-std::string Lower(std::string_view s) {
-  std::string out(s);
-  for (char& c : out) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  return out;
 }
 
 // A month named in full or by its first three letters.

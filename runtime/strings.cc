@@ -20,6 +20,29 @@ std::vector<std::string> Split(std::string_view text, char delimiter) {
 
 namespace {
 
+// A-Z folded here rather than by the C library's tolower, which follows the locale.
+char Folded(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+}  // namespace
+
+bool EqualsIgnoringCase(std::string_view a, std::string_view b) {
+  if (a.size() != b.size()) return false;
+  for (size_t i = 0; i < a.size(); ++i) {
+    if (Folded(a[i]) != Folded(b[i])) return false;
+  }
+  return true;
+}
+
+std::string Lower(std::string_view text) {
+  std::string lower(text);
+  for (char& c : lower) c = Folded(c);
+  return lower;
+}
+
+namespace {
+
 // memmem skips through text by pairs of bytes; markup, with a "<" every few bytes, would stop
 // a search for the first character at each of them.
 size_t Find(std::string_view text, std::string_view find, size_t from) {

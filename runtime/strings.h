@@ -10,6 +10,13 @@ namespace tidewell {
 // gives three pieces and "" gives one empty piece.
 std::vector<std::string> Split(std::string_view text, char delimiter);
 
+// Whether the two are the same text but for the case of A-Z: names of columns, providers,
+// keywords and the like, which are ASCII.
+bool EqualsIgnoringCase(std::string_view a, std::string_view b);
+
+// The text with A-Z made lower case.
+std::string Lower(std::string_view text);
+
 // The run time's Replace: every occurrence of `find`, left to right, with `replacement`; text
 // a replacement wrote is not searched again. An empty `find` changes nothing. The text is
 // copied once whatever the number of occurrences, so a page of tens of kilobytes costs one
