@@ -90,7 +90,8 @@ class Site {
 // SIGINT and SIGTERM are blocked in every thread and taken by one watcher thread, so that no
 // signal handler has to do anything unsafe. A signal may come before the server has started
 // listening, when stop() has nothing to stop yet, so the watcher repeats it until the server
-// is done. SIGUSR1 only wakes the watcher when the server ended on its own.
+// is done. SIGUSR1 wakes the watcher when the server ended on its own; any other SIGUSR1 is
+// ignored.
 class StopSignalWatcher {
  public:
   explicit StopSignalWatcher(httplib::Server& server) {
@@ -115,8 +116,11 @@ class StopSignalWatcher {
 
   void Watch(httplib::Server& server, sigset_t signals) {
     int received = 0;
-    sigwait(&signals, &received);
-    if (received == kWakeSignal) return;
+    // A SIGUSR1 sent from outside must not end the watch: the server would then never stop.
+    do {
+      sigwait(&signals, &received);
+      if (received == kWakeSignal && server_done_) return;
+    } while (received == kWakeSignal);
     std::fprintf(stderr, "tidewell: %s received, stopping\n",
                  received == SIGINT ? "SIGINT" : "SIGTERM");
     while (!server_done_) {

@@ -54,6 +54,9 @@ class ServerProcess {
     return match.empty() ? 0 : std::stoi(match[1]);
   }
 
+  // Sends `signal` and goes on.
+  void Send(int signal) { kill(pid_, signal); }
+
   // Sends `signal` and returns the exit status (-1 when it did not exit normally in time).
   int Stop(int signal) {
     kill(pid_, signal);

@@ -3,8 +3,10 @@
 #include <gtest/gtest.h>
 #include <httplib.h>
 
+#include <chrono>
 #include <filesystem>
 #include <fstream>
+#include <thread>
 
 #include "component/link_codec.h"
 #include "tests/host/server_process.h"
@@ -113,6 +115,15 @@ TEST_F(Server, LogsOneLinePerRequest) {
 }
 
 TEST_F(Server, StopsCleanlyOnSigterm) {
+  EXPECT_EQ(server_->Stop(SIGTERM), 0);
+}
+
+TEST_F(Server, AStraySigusr1NeitherStopsNorDeafensTheServer) {
+  server_->Send(SIGUSR1);
+  std::this_thread::sleep_for(std::chrono::milliseconds(100));
+  auto res = client_->Get("/");
+  ASSERT_TRUE(res);
+  EXPECT_EQ(res->status, 200);
   EXPECT_EQ(server_->Stop(SIGTERM), 0);
 }
 
