@@ -70,7 +70,7 @@ class Site {
       response.set_header("Cache-Control", "no-store");
       return;
     }
-    if (request.method == "GET") {
+    if (request.method != "POST") {  // GET, and HEAD, which the library answers without the body
       if (const StaticAssets::Asset* asset = assets_.Find(request.path)) {
         response.set_content(asset->body, asset->content_type.c_str());
         response.set_header("Cache-Control", "max-age=3600");
