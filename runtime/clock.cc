@@ -1,9 +1,11 @@
 #include "runtime/clock.h"
 
+#include <atomic>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
-#include <mutex>
+#include <limits>
 #include <stdexcept>
 #include <string>
 
@@ -29,27 +31,32 @@ Date LocalTime(std::time_t t) {
                  TimeSerial(local.tm_hour, local.tm_min, local.tm_sec));
 }
 
-struct ClockState {
-  std::mutex mutex;
-  bool environment_read = false;
-  std::optional<Date> fixed;
-  // The local time of the last second asked for: a page asks for the time with every link it
-  // signs, and the conversion to local time is worked out once a second.
-  std::time_t last_second = -1;
-  Date last_local;
-};
+// The fixed moment's serial, or NaN while the clock runs. TIDEWELL_NOW is read once, on first
+// use. A page asks for the time with every link it signs, on every server thread at once:
+// reading an atomic takes no lock.
+constexpr double kRunning = std::numeric_limits<double>::quiet_NaN();
 
-ClockState& State() {
-  static ClockState state;
-  return state;
+std::atomic<double>& FixedMoment() {
+  static std::atomic<double> moment{[] {
+    const char* text = std::getenv("TIDEWELL_NOW");
+    if (text == nullptr || *text == '\0') return kRunning;
+    const std::optional<Date> fixed = ParseFixedNow(text);
+    return fixed ? fixed->serial : kRunning;
+  }()};
+  return moment;
 }
 
-Date SystemNow(ClockState& state) {
-  std::time_t t = std::time(nullptr);
-  if (t == state.last_second) return state.last_local;
-  state.last_second = t;
-  state.last_local = LocalTime(t);
-  return state.last_local;
+// The local time of the last second this thread asked for: its conversion is worked out once
+// a second.
+Date SystemNow() {
+  thread_local std::time_t last_second = -1;
+  thread_local Date last_local;
+  const std::time_t t = std::time(nullptr);
+  if (t != last_second) {
+    last_second = t;
+    last_local = LocalTime(t);
+  }
+  return last_local;
 }
 
 }  // namespace
@@ -63,15 +70,8 @@ void CheckClockEnvironment() {
 }
 
 Date Now() {
-  ClockState& state = State();
-  std::lock_guard lock(state.mutex);
-  if (!state.environment_read) {
-    state.environment_read = true;
-    if (const char* text = std::getenv("TIDEWELL_NOW"); text != nullptr && *text != '\0') {
-      state.fixed = ParseFixedNow(text);
-    }
-  }
-  return state.fixed ? *state.fixed : SystemNow(state);
+  const double fixed = FixedMoment().load(std::memory_order_relaxed);
+  return std::isnan(fixed) ? SystemNow() : Date{fixed};
 }
 
 Date Today() {
@@ -79,10 +79,7 @@ Date Today() {
 }
 
 void SetFixedNow(std::optional<Date> moment) {
-  ClockState& state = State();
-  std::lock_guard lock(state.mutex);
-  state.environment_read = true;
-  state.fixed = moment;
+  FixedMoment().store(moment ? moment->serial : kRunning, std::memory_order_relaxed);
 }
 
 }  // namespace tidewell

@@ -17,7 +17,7 @@ Date Today();
 // host calls it at start so that a typo stops the server instead of being ignored.
 void CheckClockEnvironment();
 
-// For tests: fixes the clock at `moment`, or gives it back to TIDEWELL_NOW / the system.
+// For tests: fixes the clock at `moment`, or sets it running on the system clock.
 void SetFixedNow(std::optional<Date> moment);
 
 }  // namespace tidewell
