@@ -42,13 +42,6 @@ work_dir="$(mktemp -d "${TMPDIR:-/tmp}/tidewell-pg.XXXXXX")"
 data_dir="$work_dir/data"
 socket_dir="$work_dir/socket"
 log_file="$work_dir/server.log"
-mkdir "$socket_dir"
-# The socket folder must be reachable by the tests (the invoking user) and by the server.
-chmod 755 "$work_dir" "$socket_dir"
-if [[ -n "$server_user" ]]; then chown "$server_user" "$work_dir" "$socket_dir"; fi
-
-# The port only names the socket file; a private folder keeps it from meeting other servers.
-port=$((20000 + RANDOM % 20000))
 
 stop_server() {
   local status=$?
@@ -58,9 +51,18 @@ stop_server() {
   rm -rf "$work_dir"
   exit "$status"
 }
+# Set at once, so that a failure from here on leaves no folder behind.
 trap stop_server EXIT
 trap 'exit 130' INT
 trap 'exit 143' TERM
+
+mkdir "$socket_dir"
+# The socket folder must be reachable by the tests (the invoking user) and by the server.
+chmod 755 "$work_dir" "$socket_dir"
+if [[ -n "$server_user" ]]; then chown "$server_user" "$work_dir" "$socket_dir"; fi
+
+# The port only names the socket file; a private folder keeps it from meeting other servers.
+port=$((20000 + RANDOM % 20000))
 
 locale=C
 if locale -a 2>/dev/null | grep -qix 'c.utf-\?8'; then locale=C.UTF-8; fi
@@ -73,7 +75,7 @@ as_server "$pg_bin/initdb" -D "$data_dir" -U tidewell --auth=trust -E UTF8 \
 }
 
 if ! as_server "$pg_bin/pg_ctl" -D "$data_dir" -l "$log_file" -w -t 60 \
-  -o "-c listen_addresses='' -k $socket_dir -p $port -c fsync=off -c synchronous_commit=off -c full_page_writes=off -c max_connections=200" \
+  -o "-c listen_addresses='' -k '$socket_dir' -p $port -c fsync=off -c synchronous_commit=off -c full_page_writes=off -c max_connections=200" \
   start >/dev/null; then
   echo "$0: the PostgreSQL server did not start:" >&2
   cat "$log_file" >&2 || true

@@ -49,7 +49,10 @@ function StartServer(binary, folder) {
   });
   const server = { child, log: '' };
   return new Promise((resolve, reject) => {
-    const timer = setTimeout(() => reject(new Error(`server did not start:\n${server.log}`)), 20000);
+    const timer = setTimeout(() => {
+      child.kill('SIGKILL');  // nobody else holds it to stop it
+      reject(new Error(`server did not start:\n${server.log}`));
+    }, 20000);
     child.stderr.setEncoding('utf8');
     child.stderr.on('data', (text) => {
       server.log += text;
