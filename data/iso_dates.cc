@@ -62,7 +62,8 @@ std::optional<Date> MakeDate(int year, int month, int day, const TimeOfDay& time
 
 std::string IsoDateText(Date value) {
   char text[32];
-  std::snprintf(text, sizeof text, "%04d-%02d-%02d", Year(value), Month(value), Day(value));
+  const YearMonthDay day = CalendarDay(value);
+  std::snprintf(text, sizeof text, "%04d-%02d-%02d", day.year, day.month, day.day);
   std::string result = text;
   if (HasTimeOfDay(value)) {
     std::snprintf(text, sizeof text, " %02d:%02d:%02d", Hour(value), Minute(value), Second(value));

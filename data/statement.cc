@@ -98,8 +98,9 @@ void Statement::Refuse(std::string reason) {
 }
 
 std::string StatementDateText(Date value) {
-  return std::to_string(Month(value)) + "/" + std::to_string(Day(value)) + "/" +
-         std::to_string(Year(value));
+  const YearMonthDay day = CalendarDay(value);
+  return std::to_string(day.month) + "/" + std::to_string(day.day) + "/" +
+         std::to_string(day.year);
 }
 
 }  // namespace tidewell::ado

@@ -5,19 +5,13 @@
 #include <vector>
 
 #include "runtime/clock.h"
+#include "runtime/conversions.h"
 #include "runtime/dates.h"
 #include "runtime/regional_settings.h"
 #include "runtime/strings.h"
 
 namespace tidewell {
 namespace {
-
-std::string TwoDigits(int n) {
-  if (n >= 0 && n < 100) return {static_cast<char>('0' + n / 10), static_cast<char>('0' + n % 10)};
-  char buffer[16];
-  std::snprintf(buffer, sizeof buffer, "%02d", n);
-  return buffer;
-}
 
 // One piece of date text: a run of digits, a run of letters, or a time such as "14:30:05".
 struct Token {
@@ -159,7 +153,7 @@ std::string ShortDateText(Date d) {
   const YearMonthDay ymd = CalendarDay(d);
   auto append_part = [&r](std::string& text, int n) {
     if (r.padded_day_month || n >= 10) {
-      text += TwoDigits(n);
+      text += FormatTwoDigits(n);
     } else {
       text += static_cast<char>('0' + n);
     }
@@ -176,8 +170,8 @@ std::string ShortDateText(Date d) {
 
 std::string LongTimeText(Date d) {
   int hour = Hour(d);
-  std::string minutes_seconds = ":" + TwoDigits(Minute(d)) + ":" + TwoDigits(Second(d));
-  if (!Regional().twelve_hour_clock) return TwoDigits(hour) + minutes_seconds;
+  std::string minutes_seconds = ":" + FormatTwoDigits(Minute(d)) + ":" + FormatTwoDigits(Second(d));
+  if (!Regional().twelve_hour_clock) return FormatTwoDigits(hour) + minutes_seconds;
   int twelve = hour % 12 == 0 ? 12 : hour % 12;
   return std::to_string(twelve) + minutes_seconds + (hour < 12 ? " AM" : " PM");
 }
