@@ -3,7 +3,6 @@
 #include <optional>
 
 #include "component/page.h"
-#include "component/screen_links.h"
 #include "frame/markup.h"
 #include "runtime/automation_error.h"
 #include "runtime/conversions.h"
@@ -70,10 +69,6 @@ std::string DefaultViewOptions(const Variant& current, Selection rule) {
     options += AccountOption(view, kViews[view], IsSelected(current, view, rule));
   }
   return options;
-}
-
-void AppendUserHelpColumn(Page& page) {
-  AppendHelpColumn(page, ReturningLink(page, screens::kUserHelp));
 }
 
 void AppendDisplayOptionTable(Page& page, const DisplaySettings& settings, Selection rule) {

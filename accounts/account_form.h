@@ -30,10 +30,6 @@ std::string BooleanSelect(std::string_view name, const Variant& current, Selecti
 // The entries of the default view select: 0 MonthView, 1 WeekView, 2 DayView, 3 TimeView.
 std::string DefaultViewOptions(const Variant& current, Selection rule);
 
-// The help column beside the form: a link to the user help screen (screen 11, returning to
-// the view in use) behind the help icon.
-void AppendUserHelpColumn(Page& page);
-
 // The display settings a form shows: the start hour and the three switches, as stored
 // (numbers), as preset (the page's Booleans) or as posted (text).
 struct DisplaySettings {

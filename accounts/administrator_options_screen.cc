@@ -233,10 +233,7 @@ void AdminOptionsView(Page& page) {
   AppendValidatorForMode(page);
   out += "<!-- AdminOptionsView  Start -->";
   AppendTitleBar(page, "Administrator Options.", TitleCell::kPlain);
-  AppendBodyTable(page);
-  out += "<tr bgcolor=#ffffff>";
-  AppendUserHelpColumn(page);
-  out += "<td class=text align=left valign=top width=560 height=456>";
+  AppendFormBodyOpening(page, screens::kUserHelp);
   out += "<form action=" + FormActionLink(page) + " method=post name=adminoptions  >";
   AppendHeadTable(page);
   if (page.ErrorFlag) out += "<font color=#b22222><b>" + page.ErrorText + "</b></font>";
@@ -249,9 +246,7 @@ void AdminOptionsView(Page& page) {
   AppendButtons(page);
   if (page.FirstAdministratorMode) out += "<input type=hidden name=welcome value=y />";
   out += "</form>";
-  out += "</td>";
-  out += "</tr>";
-  out += "</table>";
+  AppendFormBodyClosing(page);
   out += "<!-- AdminOptionsView End -->";
   ReplaceHeight(page, ByBrowser(page, /*standard=*/545, /*navigator=*/554, /*opera=*/555));
 }

@@ -11,11 +11,6 @@
 namespace tidewell {
 namespace {
 
-// The help icon beside the form leads to the group help screen.
-void AppendGroupHelpColumn(Page& page) {
-  AppendHelpColumn(page, ReturningLink(page, screens::kGroupHelp));
-}
-
 std::string Button(std::string_view value) {
   return "<input class=text type=submit name=submit value=\"" + std::string(value) + "\" >";
 }
@@ -69,10 +64,7 @@ void GroupOptionsView(Page& page) {
   std::string& out = page.PageBuffer;
   out += "<!-- GroupOptionsView  Start -->";
   AppendTitleBar(page, "Administrator Group Options.", TitleCell::kPlain);
-  AppendBodyTable(page);
-  out += "<tr bgcolor=#ffffff>";
-  AppendGroupHelpColumn(page);
-  out += "<td class=text align=left valign=top width=560 height=456>";
+  AppendFormBodyOpening(page, screens::kGroupHelp);
   out += "<form action=" + ReturningLink(page, screens::kGroupOptions) +
          " method=post name=groupoptions>";
   if (page.ErrorFlag) out += "<font color=#b22222><b>" + page.ErrorText + "</b></font>";
@@ -80,9 +72,7 @@ void GroupOptionsView(Page& page) {
   out += "<br>" + Button("Back");
   out += "<input type=hidden name=groupaction value=u />";
   out += "</form>";
-  out += "</td>";
-  out += "</tr>";
-  out += "</table>";
+  AppendFormBodyClosing(page);
   out += "<!-- GroupOptionsView End -->";
   ReplaceHeight(page, ByBrowser(page, /*standard=*/545, /*navigator=*/554, /*opera=*/555));
 }

@@ -78,10 +78,7 @@ void UserOptionsView(Page& page) {
   AppendPasswordValidator(page, {{"password", "Password"}, {"confirm", "Confirm Password"}});
   out += "<!-- UserOptionsView  Start -->";
   AppendTitleBar(page, EscapeHtml(user.Username) + " Options.", TitleCell::kPlain);
-  AppendBodyTable(page);
-  out += "<tr bgcolor=#ffffff>";
-  AppendUserHelpColumn(page);
-  out += "<td class=text align=left valign=top width=560 height=456>";
+  AppendFormBodyOpening(page, screens::kUserHelp);
   out += "<form action=" + FormActionLink(page) +
          " method=post name=useroptions onsubmit=\"return validator(this)\" >";
   AppendAccountTable(page);
@@ -97,9 +94,7 @@ void UserOptionsView(Page& page) {
   out += "<input class=text type=submit name=submit value=Update >";
   out += "<input type=hidden name=action value=u />";
   out += "</form>";
-  out += "</td>";
-  out += "</tr>";
-  out += "</table>";
+  AppendFormBodyClosing(page);
   out += "<!-- UserOptionsView End -->";
   ReplaceHeight(page, ByBrowser(page, /*standard=*/545, /*navigator=*/554, /*opera=*/555));
 }

@@ -3,6 +3,7 @@
 #include <span>
 
 #include "component/page.h"
+#include "component/screen_links.h"
 #include "runtime/conversions.h"
 #include "runtime/strings.h"
 
@@ -174,6 +175,19 @@ void AppendHelpColumn(Page& page, std::string_view help_link) {
   page.PageBuffer += help_link;
   page.PageBuffer += " title=\"Show me help for this page.\" ><img src=" + page.props.ImagePath +
                      "icon_help.gif width=30 height=30 border=0 align=absmiddle ></a></td>";
+}
+
+void AppendFormBodyOpening(Page& page, long help_screen) {
+  AppendBodyTable(page);
+  page.PageBuffer += "<tr bgcolor=#ffffff>";
+  AppendHelpColumn(page, ReturningLink(page, help_screen));
+  page.PageBuffer += "<td class=text align=left valign=top width=560 height=456>";
+}
+
+void AppendFormBodyClosing(Page& page) {
+  page.PageBuffer += "</td>";
+  page.PageBuffer += "</tr>";
+  page.PageBuffer += "</table>";
 }
 
 void AppendDateField(Page& page, std::string_view name, std::string_view value,

@@ -46,6 +46,12 @@ std::string TextOption(std::string_view value, std::string_view label, bool sele
 // The bordered table, 610 by 456, that a screen's body stands in below its title bar.
 void AppendBodyTable(Page& page);
 
+// A form screen's body: the body table, its row, the help column leading to `help_screen`
+// (which returns to the view in use), and the opening of the cell the form stands in.
+void AppendFormBodyOpening(Page& page, long help_screen);
+// Closes the cell, the row and the table AppendFormBodyOpening opened.
+void AppendFormBodyClosing(Page& page);
+
 // The left column of a form screen: the help icon, linked to the screen's help.
 void AppendHelpColumn(Page& page, std::string_view help_link);
 

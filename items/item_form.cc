@@ -162,10 +162,7 @@ void AddModifyView(Page& page) {
   out += "<!-- AddModifyView  Start -->";
   AppendTitleBar(page, editing ? "Edit Scheduled Item." : "Add Item to Schedule.",
                  TitleCell::kPlain);
-  AppendBodyTable(page);
-  out += "<tr bgcolor=#ffffff>";
-  AppendHelpColumn(page, ReturningLink(page, screens::kItemHelp));
-  out += "<td class=text align=left valign=top width=560 height=456>";
+  AppendFormBodyOpening(page, screens::kItemHelp);
   // The post goes back through screen 4, so that the driver runs it, with the view to go on to.
   out += "<form action=" + ReturningLink(page, screens::kItemForm, page.ItemId) +
          " method=post name=addmodify onsubmit=\"return validator(this)\" >";
@@ -176,9 +173,7 @@ void AddModifyView(Page& page) {
   AppendFlags(page, values);
   AppendSubmit(page, editing);
   out += "</form>";
-  out += "</td>";
-  out += "</tr>";
-  out += "</table>";
+  AppendFormBodyClosing(page);
   out += "<!-- AddModifyView End -->";
 }
 

@@ -91,10 +91,7 @@ void SearchScreenView(Page& page) {
   AppendDatePickerScript(page);
   out += "<!-- SearchScreenView  Start -->";
   AppendTitleBar(page, "Search for Items.", TitleCell::kPlain);
-  AppendBodyTable(page);
-  out += "<tr bgcolor=#ffffff>";
-  AppendHelpColumn(page, ReturningLink(page, screens::kSearchHelp));
-  out += "<td class=text align=left valign=top width=560 height=456>";
+  AppendFormBodyOpening(page, screens::kSearchHelp);
   // The post comes back to screen 15, where the driver runs the search before the screen is
   // drawn.
   out += "<form action=" + ReturningLink(page, screens::kSearch, page.ItemId) +
@@ -105,9 +102,7 @@ void SearchScreenView(Page& page) {
   AppendSearchText(page, values);
   out += "</form>";
   out += page.SearchResults;
-  out += "</td>";
-  out += "</tr>";
-  out += "</table>";
+  AppendFormBodyClosing(page);
   out += "<!-- SearchScreenView End -->";
   ReplaceHeight(page, ByBrowser(page, /*standard=*/545, /*navigator=*/554, /*opera=*/555));
 }
