@@ -4,7 +4,6 @@
 
 #include "component/page.h"
 #include "component/screen_links.h"
-#include "runtime/conversions.h"
 #include "runtime/strings.h"
 
 namespace tidewell {
@@ -202,10 +201,6 @@ void AppendDateField(Page& page, std::string_view name, std::string_view value,
   out += "'); ><img src=";
   out += page.props.ImagePath;
   out += "icon_dpicker.gif width=16 height=16 align=absmiddle border=0 /></a>";
-}
-
-Variant PickerMonth(const Page& page, const std::string& field_value) {
-  return IsDate(field_value) ? Variant(CDate(field_value)) : Variant(page.CurrentDate);
 }
 
 }  // namespace tidewell

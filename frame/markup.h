@@ -5,8 +5,6 @@
 #include <string_view>
 #include <vector>
 
-#include "runtime/variant.h"
-
 namespace tidewell {
 
 struct Page;
@@ -86,8 +84,5 @@ void AppendDatePickerScript(Page& page);
 void AppendDateField(Page& page, std::string_view name, std::string_view value,
                      std::string_view picker_link);
 
-// The month a date field's picker opens on: the date in the field, or the month in view while
-// the field holds no date.
-Variant PickerMonth(const Page& page, const std::string& field_value);
 
 }  // namespace tidewell

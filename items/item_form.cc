@@ -44,15 +44,6 @@ ItemFormValues FormValues(Page& page, bool editing, bool refused) {
   return values;
 }
 
-// --- Links ---
-
-// The picker fills the form's date field ("5/5") and opens on the month of the date in it.
-std::string PickerLink(const Page& page, const ItemFormValues& values) {
-  return BuildLink(page, ScreenReturningTo(screens::kDatePicker, screens::kDatePicker),
-                   PickerMonth(page, values.date), page.CurrentHour, 0, page.UserKey,
-                   page.SortOrder, page.AdminKey);
-}
-
 // --- Markup ---
 
 void AppendOwnerList(Page& page) {
@@ -102,7 +93,9 @@ void AppendDateAndTime(Page& page, const ItemFormValues& values) {
   out += "</tr>";
   out += "<tr>";
   out += "<td class=text>";
-  AppendDateField(page, "datestamp", values.date, PickerLink(page, values));
+  // The picker fills the form's date field ("5/5").
+  AppendDateField(page, "datestamp", values.date,
+                  DatePickerLink(page, screens::kDatePicker, values.date));
   out += "</td>";
   out += "<td class=text>";
   out += "&nbsp;&nbsp;";

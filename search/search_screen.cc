@@ -28,16 +28,6 @@ SearchFormValues FormValues(const Page& page) {
   return {today, today, ""};
 }
 
-// --- Links ---
-
-// The picker returns to the search form ("5/15") and fills the field its suffix names: "0" the
-// start date, "1" the end date.
-std::string PickerLink(const Page& page, const std::string& field_value, const char* suffix) {
-  return BuildLink(page, ScreenReturningTo(screens::kDatePicker, screens::kSearch),
-                   PickerMonth(page, field_value), page.CurrentHour, 0, page.UserKey,
-                   page.SortOrder, page.AdminKey, suffix);
-}
-
 // --- Markup ---
 
 void AppendOwnerList(Page& page) {
@@ -49,10 +39,12 @@ void AppendOwnerList(Page& page) {
   page.PageBuffer += "<br><br>";
 }
 
-// One date field with its picker icon, and room before the next.
+// One date field with its picker icon, and room before the next. The picker hands its date to
+// the search form ("5/15") and fills the field the suffix names: "0" the start date, "1" the end
+// date.
 void AppendDateCell(Page& page, const char* name, const std::string& value, const char* suffix) {
   page.PageBuffer += "<td class=text>";
-  AppendDateField(page, name, value, PickerLink(page, value, suffix));
+  AppendDateField(page, name, value, DatePickerLink(page, screens::kSearch, value, suffix));
   page.PageBuffer += "&nbsp;&nbsp;</td>";
 }
 
