@@ -19,19 +19,13 @@ struct HelpEntry {
   const char* text;
 };
 
-void AppendGroup(std::string& out, std::initializer_list<HelpEntry> entries) {
+void AppendGroup(Page& page, std::initializer_list<HelpEntry> entries) {
   std::size_t index = 0;
   for (const HelpEntry& entry : entries) {
-    ++index;
-    out += "<b>";
-    out += entry.heading;
-    out += "</b><br>";
-    out += "<font color=#006400 >";
-    out += entry.text;
-    out += "</font>";
-    if (index < entries.size()) out += "<br>";
+    AppendHelpEntry(page, entry.heading, entry.text);
+    if (++index < entries.size()) page.PageBuffer += "<br>";
   }
-  out += "<hr size=1 color=#c0c0c0 >";
+  AppendHelpRule(page);
 }
 
 // The help screens of this file all stand as high as the other form screens.
@@ -43,10 +37,9 @@ void AppendAccountHelpClosing(Page& page, std::string_view end_comment) {
 }  // namespace
 
 void HelpScreenUser(Page& page) {
-  std::string& out = page.PageBuffer;
   AppendHelpOpening(page, "<!-- HelpScreenUser  Start -->", "Help On User Information.");
   AppendGroup(
-      out,
+      page,
       {{"User:",
         "This is the user name of the account holder, it is also used as the owner of a "
         "scheduled item. User Name's can be modified by the administrator, but they must be "
@@ -63,7 +56,7 @@ void HelpScreenUser(Page& page) {
         "as well as their own items in read/write mode. The administrator can turn this option "
         "on or off."}});
   AppendGroup(
-      out,
+      page,
       {{"Start my Days at",
         "Starts the DayView at the hour you specify. This option is updatable by users if setup "
         "in the application options, otherwise the administrator can only change this."},
@@ -79,7 +72,7 @@ void HelpScreenUser(Page& page) {
         "updatable by users if setup in the application options, otherwise the administrator "
         "can only change this."}});
   AppendGroup(
-      out, {{"After logging in, show me the MonthView, WeekView, DayView or TimeView page.",
+      page, {{"After logging in, show me the MonthView, WeekView, DayView or TimeView page.",
              "Loads the specified view immediatley after a successful login attempt."},
             {"Change Password:", "Change or create a password for the account."},
             {"Confirm Password:", "Confirm your password to be sure it was entered correctly."}});
@@ -87,16 +80,15 @@ void HelpScreenUser(Page& page) {
 }
 
 void HelpScreenGroup(Page& page) {
-  std::string& out = page.PageBuffer;
   AppendHelpOpening(page, "<!-- HelpScreenGroup  Start -->", "Help On Group Information.");
-  AppendGroup(out, {{"New Group Name:",
+  AppendGroup(page, {{"New Group Name:",
                      "Add a new group to the group list so you can assign users to that group "
                      "when you need to in the future. If no users are assigned to a group, you "
                      "can delete it by viewing the none assigned groups section."}});
-  AppendGroup(out, {{"Change Group Name:",
+  AppendGroup(page, {{"Change Group Name:",
                      "Select the group name to rename and enter the new group name. All users "
                      "of the old group name will be updated to the new group name."}});
-  AppendGroup(out, {{"None Assigned Groups:",
+  AppendGroup(page, {{"None Assigned Groups:",
                      "This shows a list of all the Groups that do not have any users assigned to "
                      "them. These groups can be deleted if required by selecting the one to "
                      "delete and clicking the delete button."}});

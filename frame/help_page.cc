@@ -18,6 +18,20 @@ void AppendHelpOpening(Page& page, std::string_view start_comment, std::string_v
   out += "<td class=help align=left valign=top >";
 }
 
+void AppendHelpEntry(Page& page, std::string_view heading, std::string_view explanation) {
+  std::string& out = page.PageBuffer;
+  out += "<b>";
+  out += heading;
+  out += "</b><br>";
+  out += "<font color=#006400 >";
+  out += explanation;
+  out += "</font>";
+}
+
+void AppendHelpRule(Page& page) {
+  page.PageBuffer += "<hr size=1 color=#c0c0c0 >";
+}
+
 void AppendHelpClosing(Page& page, std::string_view end_comment) {
   std::string& out = page.PageBuffer;
   for (int i = 0; i < 2; ++i) {

@@ -8,11 +8,10 @@
 namespace tidewell {
 namespace {
 
-// One field's entry: its name in bold, the explanation in dark green, and a grey rule.
+// One field's entry, ruled off.
 void AppendEntry(Page& page, const char* label, const char* explanation) {
-  page.PageBuffer += std::string("<b>") + label + ":</b><br>";
-  page.PageBuffer += std::string("<font color=#006400 >") + explanation + "</font>";
-  page.PageBuffer += "<hr size=1 color=#c0c0c0 >";
+  AppendHelpEntry(page, std::string(label) + ":", explanation);
+  AppendHelpRule(page);
 }
 
 }  // namespace

@@ -9,14 +9,9 @@
 namespace tidewell {
 namespace {
 
-// One field's entry: its name in bold and the explanation in dark green.
+// One field's entry.
 void AppendEntry(Page& page, const char* label, const char* explanation) {
-  page.PageBuffer += std::string("<b>") + label + ":</b><br>";
-  page.PageBuffer += std::string("<font color=#006400 >") + explanation + "</font>";
-}
-
-void AppendRule(Page& page) {
-  page.PageBuffer += "<hr size=1 color=#c0c0c0 >";
+  AppendHelpEntry(page, std::string(label) + ":", explanation);
 }
 
 }  // namespace
@@ -25,15 +20,15 @@ void HelpScreenSearch(Page& page) {
   AppendHelpOpening(page, "<!-- HelpScreenSearch  Start -->", "Help On Search Information.");
   // Rules stand between the entries, none after the last.
   AppendEntry(page, "Owner", "This is the account holder (the owner) of a scheduled item.");
-  AppendRule(page);
+  AppendHelpRule(page);
   AppendEntry(page, "Start Date",
               "Enter a Start Date or click on the Date Picker Icon to select a date from a pop up "
               "calendar for easier selection.");
-  AppendRule(page);
+  AppendHelpRule(page);
   AppendEntry(page, "End Date",
               "Enter a End Date or click on the Date Picker Icon to select a date from a pop up "
               "calendar for easier selection.");
-  AppendRule(page);
+  AppendHelpRule(page);
   AppendEntry(page, "Search Critera",
               "Enter search critera to which you want to find matching items. (max 50 chars)");
   AppendHelpClosing(page, "<!-- HelpScreenSearch End -->");
