@@ -40,6 +40,18 @@ void AppendSwitchRow(Page& page, const char* label, const char* name, const Vari
 
 }  // namespace
 
+void AppendAccountRow(Page& page, std::string_view label, std::string_view content) {
+  std::string& out = page.PageBuffer;
+  out += "<tr bgcolor=#DEE7F7>";
+  out += "<td width=200 class=text>";
+  out += label;
+  out += "</td>";
+  out += "<td class=text>";
+  out += content;
+  out += "</td>";
+  out += "</tr>";
+}
+
 bool IsSelected(const Variant& current, long value, Selection rule) {
   std::optional<double> number = NumberOf(current);
   if (!number) return false;

@@ -10,7 +10,15 @@ namespace tidewell {
 struct Page;
 
 // Pieces of markup the two account screens share: the user options screen and the
-// administrator options screen show the same help column, option rows and password fields.
+// administrator options screen show the same account rows, option rows and password fields.
+
+// Beside the name of an administrator's own account.
+inline constexpr const char* kAdministratorMark =
+    "<font color=#b22222><b>(Administrator)</b></font>";
+
+// One row of an account table: the label in the narrow cell, `content` (markup) in the wide
+// one.
+void AppendAccountRow(Page& page, std::string_view label, std::string_view content);
 
 // Which entry of a select is the current one. The user options screen marks the entry whose
 // value equals the stored one; the administrator options screen also the entry equal to its

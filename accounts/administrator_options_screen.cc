@@ -14,8 +14,6 @@
 namespace tidewell {
 namespace {
 
-constexpr const char* kAdministratorMark = "<font color=#b22222><b>(Administrator)</b></font>";
-
 // --- The values the form shows ---
 
 struct AccountValues {
@@ -143,18 +141,6 @@ void AppendHeadTable(Page& page) {
   out += "</tr></table>";
 }
 
-void AppendRow(Page& page, std::string_view label, std::string_view content) {
-  std::string& out = page.PageBuffer;
-  out += "<tr bgcolor=#DEE7F7>";
-  out += "<td width=200 class=text>";
-  out += label;
-  out += "</td>";
-  out += "<td class=text>";
-  out += content;
-  out += "</td>";
-  out += "</tr>";
-}
-
 std::string GroupContent(Page& page, long group_id) {
   if (page.FirstAdministratorMode) {
     return "<input maxlength=15 class=text type=text name=newgroup size=18 >";
@@ -169,26 +155,22 @@ std::string GroupContent(Page& page, long group_id) {
 void AppendAccountTable(Page& page, const AccountValues& values) {
   std::string& out = page.PageBuffer;
   out += "<br><table cellpadding=1 cellspacing=1 border=0 width=100%>";
-  AppendRow(page, "<b>User:</b>",
+  AppendAccountRow(page, "<b>User:</b>",
             "<input maxlength=15 class=text type=text name=username value=\"" +
                 EscapeHtml(values.username) + "\" size=18 >&nbsp;" +
                 (ShowsAdministratorMark(page) ? kAdministratorMark : ""));
-  AppendRow(page, "<b>Initials:</b>",
+  AppendAccountRow(page, "<b>Initials:</b>",
             "<input maxlength=4 class=text type=text name=initials value=\"" +
                 EscapeHtml(values.initials) + "\" size=18 >");
   const char* group_label =
       page.FirstAdministratorMode
           ? "<b>Group:</b>"
           : "<b>Group:</b>&nbsp;&nbsp;<input class=text type=submit name=submit value=\"Manage\" >";
-  AppendRow(page, group_label, GroupContent(page, values.group_id));
-  out += "<tr bgcolor=#DEE7F7>";
-  out += "<td width=200 class=text>";
-  out += "<b>Show All Group Users:</b>";
-  out += "</td>";
-  out += "<td class=text>";
-  out += BooleanSelect("loadgroupdata", values.show_all_group_users, Selection::kEqualOrNegated);
-  out += "</td>";
-  out += "</tr></table><br>";
+  AppendAccountRow(page, group_label, GroupContent(page, values.group_id));
+  AppendAccountRow(
+      page, "<b>Show All Group Users:</b>",
+      BooleanSelect("loadgroupdata", values.show_all_group_users, Selection::kEqualOrNegated));
+  out += "</table><br>";
 }
 
 void AppendDefaultViewRow(Page& page, const AccountValues& values) {

@@ -11,25 +11,8 @@
 namespace tidewell {
 namespace {
 
-constexpr const char* kAdministratorMark = "<font color=#b22222><b>(Administrator)</b></font>";
-
 std::string FormActionLink(const Page& page) {
   return ReturningLink(page, screens::kUserOptions);
-}
-
-void AppendRowOpening(std::string& out, std::string_view label) {
-  out += "<tr bgcolor=#DEE7F7>";
-  out += "<td width=200 class=text>";
-  out += label;
-  out += "</td>";
-  out += "<td class=text>";
-}
-
-void AppendRow(std::string& out, std::string_view label, std::string_view value) {
-  AppendRowOpening(out, label);
-  out += value;
-  out += "</td>";
-  out += "</tr>";
 }
 
 // The show-all setting: a select when the user may switch it, the bare word when it is
@@ -46,15 +29,13 @@ void AppendAccountTable(Page& page) {
   std::string& out = page.PageBuffer;
   out += "<br>";
   out += "<table cellpadding=1 cellspacing=1 border=0 width=100%>";
-  AppendRow(out, "<b>User:</b>",
+  AppendAccountRow(page, "<b>User:</b>",
             EscapeHtml(user.Username) + "&nbsp;" +
                 (page.UserKey == page.AdminKey ? kAdministratorMark : ""));
-  AppendRow(out, "<b>Initials:</b>", EscapeHtml(user.Initials));
-  AppendRow(out, "<b>Group:</b>", EscapeHtml(user.GroupName));
-  AppendRowOpening(out, "<b>Show All Group Users:</b>");
-  out += ShowAllGroupUsersValue(user);
-  out += "</td>";
-  out += "</tr></table><br>";
+  AppendAccountRow(page, "<b>Initials:</b>", EscapeHtml(user.Initials));
+  AppendAccountRow(page, "<b>Group:</b>", EscapeHtml(user.GroupName));
+  AppendAccountRow(page, "<b>Show All Group Users:</b>", ShowAllGroupUsersValue(user));
+  out += "</table><br>";
 }
 
 Variant Switch(bool on) {
