@@ -50,6 +50,8 @@ class BufferedResponse : public AspResponse {
  public:
   void Write(std::string_view text) override { body_ += text; }
   const std::string& body() const { return body_; }
+  // The body, handed over without a copy; the response is empty afterwards.
+  std::string TakeBody() { return std::move(body_); }
 
  private:
   std::string body_;

@@ -38,7 +38,7 @@ HostAnswer RunComponent(const PageConfig& page, const LinkSigning& signing,
             "Bad request: run-time error " + std::to_string(e.number()) + ", " + e.what() + ".\n"};
   }
   return {200, "text/html; charset=utf-8",
-          FillPageTemplate(page.page_template, SettleFrameHeight(response.body()))};
+          FillPageTemplate(page.page_template, SettleFrameHeight(response.TakeBody()))};
 }
 
 std::string ViewComponentSource(const PageConfig& page, const LinkSigning& signing,
