@@ -33,6 +33,13 @@ if ((${#missing[@]})); then
     "${missing[@]}"
 fi
 
+# playwright-core, which drives Chromium in the browser tests, needs Node.js 20 or later;
+# Debian 12's own package is 18. The server and the other tests do not care.
+if ! node -e 'process.exit(Number(process.versions.node.split(".")[0]) >= 20 ? 0 : 1)'; then
+  echo "setup: warning: Node.js $(node --version) is older than 20; the browser test" \
+    "(browser_walk) will fail until a newer Node.js is installed" >&2
+fi
+
 # The browser tests' npm packages, exactly as the lock file names them; installed anew only
 # when the lock file has changed since the last install.
 (
