@@ -16,4 +16,8 @@ Statement InsertGroupStatement(std::string_view name) {
   return Statement("INSERT INTO Groups (GroupName) VALUES (").Text(name).Add(")");
 }
 
+Statement LockAccountsStatement() {
+  return Statement("UPDATE TidewellSettings SET Value = Value WHERE Name = 'AccountsLock'");
+}
+
 }  // namespace tidewell

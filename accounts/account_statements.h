@@ -18,4 +18,9 @@ ado::Statement OwnerKeyStatement(std::string_view owner_key);
 // "INSERT INTO Groups (GroupName) VALUES (" N ")": fails when a group has the name already.
 ado::Statement InsertGroupStatement(std::string_view name);
 
+// "UPDATE TidewellSettings SET Value = Value WHERE Name = 'AccountsLock'": run first in a
+// transaction that must not overlap another of its kind. It changes nothing, but holds the
+// row (PostgreSQL) or the database (SQLite) for writing until the transaction ends.
+ado::Statement LockAccountsStatement();
+
 }  // namespace tidewell

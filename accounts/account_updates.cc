@@ -4,6 +4,8 @@
 #include <string>
 
 #include "accounts/account_statements.h"
+#include "accounts/password_fields.h"
+#include "accounts/password_hash.h"
 #include "component/link_keys.h"
 #include "component/page.h"
 #include "data/open_database.h"
@@ -84,6 +86,16 @@ void CheckName(Page& page) {
   page.ErrorKind = "U";
 }
 
+// CheckName after a write the unique index refused: whether the name clashes now.
+bool RecheckName(Page& page) {
+  try {
+    CheckName(page);
+  } catch (const ado::DatabaseError&) {
+    return false;
+  }
+  return page.ErrorFlag;
+}
+
 // Only an account that joins an existing group can clash: a new group has no members yet.
 void CheckInitials(Page& page) {
   if (!Trim(page.FormValue("newgroup")).empty()) return;
@@ -160,7 +172,7 @@ void AddAccount(Page& page) {
   if (page.RequestValue("welcome") == "y") rs.Fields("Administrator").SetValue(true);
   rs.Fields("GroupID").SetValue(group);
   rs.Fields("UserName").SetValue(page.FormValue("username"));
-  rs.Fields("Password").SetValue(page.FormValue("password"));
+  rs.Fields("Password").SetValue(HashPassword(page.FormValue("password")));
   rs.Fields("Initials").SetValue(page.FormValue("initials"));
   rs.Fields("DefaultView").SetValue(page.FormValue("defaultview"));
   rs.Fields("Options").SetValue(page.RequestValue("loadgroupdata") + DisplayOptionsTail(page));
@@ -177,7 +189,13 @@ void ChangeAccount(Page& page, AccountForm form) {
   if (rs.Eof()) return;
   if (!administrator_form) page.Screen = CLng(rs.Fields("DefaultView").Value());
   rs.Fields("DefaultView").SetValue(page.FormValue("defaultview"));
-  rs.Fields("Password").SetValue(page.FormValue("password"));
+  const std::string stored = CStrOrBlank(rs.Fields("Password").Value());
+  const std::string password = PasswordToStore(page, page.FormValue("password"), stored);
+  if (password != stored) {
+    rs.Fields("Password").SetValue(password);
+    // Every link signed for this account before is void from now on, this page's included.
+    page.Stamps.Forget(page.UserKey);
+  }
   std::string tail;
   if (administrator_form || page.props.AllowUserOwnDefaults) {
     tail = DisplayOptionsTail(page);
@@ -215,6 +233,13 @@ void ProcessAccount(Page& page, AccountForm form) {
   try {
     StoreAccount(page, form);
   } catch (const ado::DatabaseError& error) {
+    // The name check and the write are two statements: an account of the same name made by
+    // another request in between makes the unique index refuse the write. Checked again, the
+    // name clashes, and the form says so as it would have a moment later.
+    if (error.number() == ado::error_numbers::kIntegrityViolation &&
+        form == AccountForm::kAdministratorOptions && RecheckName(page)) {
+      return;
+    }
     TrapUpdateError(page, error);
   } catch (const AutomationError& error) {
     // A posted number the run time could not read stops the update the same way.

@@ -3,10 +3,14 @@
 #include <optional>
 #include <string>
 
+#include "accounts/account_statements.h"
 #include "accounts/account_updates.h"
 #include "accounts/administrator_check.h"
 #include "accounts/login.h"
 #include "component/page.h"
+#include "data/connection.h"
+#include "data/database_error.h"
+#include "data/open_database.h"
 
 namespace tidewell {
 namespace {
@@ -23,6 +27,15 @@ bool Refuse(Page& page) {
   return false;
 }
 
+// Ends a transaction that must leave nothing behind; a failure to roll back leaves it to the
+// connection's close, which rolls back too.
+void RollBack(ado::Connection& connection) {
+  try {
+    connection.RollbackTrans();
+  } catch (const ado::DatabaseError&) {
+  }
+}
+
 void AddNewUser(Page& page) {
   page.NewUserMode = true;
   ProcessAccount(page, AccountForm::kAdministratorOptions);
@@ -30,12 +43,36 @@ void AddNewUser(Page& page) {
 }
 
 // The welcome screen's form makes the first account, and only while there is no
-// administrator: once there is one, the form is no way in.
+// administrator: once there is one, the form is no way in. Several visitors may post the form
+// at the same moment; the check and the insert run in one transaction that first updates the
+// accounts lock row, so such transactions take turns on either engine, and every one after
+// the first finds the administrator it made.
 bool AddFirstAdministrator(Page& page) {
   if (page.FormValue("submit") != "Add New User") return Refuse(page);
-  if (AdministratorExists(page) || page.ErrorFlag) return Refuse(page);
+  ado::Connection& connection = *page.Connection;
+  try {
+    connection.BeginTrans();
+    connection.Execute(LockAccountsStatement());
+  } catch (const ado::DatabaseError& error) {
+    TrapUpdateError(page, error);
+    return Refuse(page);
+  }
+  if (AdministratorExists(page) || page.ErrorFlag) {
+    RollBack(connection);
+    return Refuse(page);
+  }
   page.FirstAdministratorMode = true;
   AddNewUser(page);
+  if (page.ErrorFlag) {
+    RollBack(connection);
+  } else {
+    try {
+      connection.CommitTrans();
+    } catch (const ado::DatabaseError& error) {
+      TrapUpdateError(page, error);
+      page.UserKey.clear();
+    }
+  }
   // A refused form comes back as the first administrator's form.
   page.FirstAdministratorMode = page.NewUserMode;
   return true;

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "accounts/account_form.h"
+#include "accounts/password_fields.h"
 #include "component/page.h"
 #include "component/screen_links.h"
 #include "frame/markup.h"
@@ -32,7 +33,7 @@ AccountValues LoadedAccount(const Page& page) {
   AccountValues values;
   values.username = user.Username;
   values.initials = user.Initials;
-  values.password = user.Password;
+  values.password = PasswordStandIn(page, user.Password);
   values.group_id = page.UserGroupId;
   values.show_all_group_users = user.ShowAllGroupUsers;
   values.display = {user.StartHour, user.HighlightTodaysDate, user.HighlightTodaysTime,
@@ -61,12 +62,19 @@ long PostedGroupId(const std::string& text) {
   return static_cast<long>(*id);
 }
 
+// A refused post's password fields: the stand-in when that is what came back, so the password
+// stays as it is; empty when a password was typed, which the page must not carry.
+std::string ShownAgain(const Page& page, const std::string& posted) {
+  const std::string* stored = page.NewUserMode ? nullptr : page.Stamps.Find(page.UserKey);
+  return stored && posted == PasswordStandIn(page, *stored) ? posted : "";
+}
+
 // After a refused post: everything as posted, but the name or the initials that clashed.
 AccountValues PostedAccount(const Page& page) {
   AccountValues values;
   if (page.ErrorKind.find('U') == std::string::npos) values.username = page.FormValue("username");
   if (page.ErrorKind.find('I') == std::string::npos) values.initials = page.FormValue("initials");
-  values.password = page.FormValue("password");
+  values.password = ShownAgain(page, page.FormValue("password"));
   values.group_id = PostedGroupId(page.FormValue("groupid"));
   values.show_all_group_users = page.RequestValue("loadgroupdata");
   values.display = {

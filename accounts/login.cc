@@ -1,6 +1,13 @@
 #include "accounts/login.h"
 
+#include <openssl/evp.h>
+
+#include <mutex>
+#include <set>
+
 #include "accounts/account_statements.h"
+#include "accounts/login_throttle.h"
+#include "accounts/password_hash.h"
 #include "accounts/user_options.h"
 #include "component/page.h"
 #include "data/open_database.h"
@@ -19,11 +26,10 @@ constexpr const char* kInvalidLogin =
     "<font color=#b22222><b>The Username and/or Password you have entered is "
     "invalid.</b></font><br><br>";
 
-Statement LoginStatement(std::string_view name, std::string_view password) {
-  return Statement("SELECT OwnerKey, DefaultView, Initials, Options FROM Users WHERE Username = ")
-      .Text(name)
-      .Add(" AND Password = ")
-      .Text(password);
+Statement LoginStatement(std::string_view name) {
+  return Statement(
+             "SELECT OwnerKey, Password, DefaultView, Initials, Options FROM Users WHERE Username = ")
+      .Text(name);
 }
 
 Statement CurrentUserStatement(std::string_view key) {
@@ -36,6 +42,38 @@ Statement CurrentUserStatement(std::string_view key) {
 
 Statement AnyAdministratorStatement(ASPDataServer dialect) {
   return Statement("SELECT OwnerKey FROM Users Where Administrator = ").TrueValue(dialect);
+}
+
+// The invalid-login notice, whatever was wrong: the name, the password, or too many tries.
+std::string RefuseLogin(Page& page) {
+  page.ErrorFlag = true;
+  page.ErrorKind = "LA";
+  page.ErrorText = kInvalidLogin;
+  return "";
+}
+
+// The AutoLogin account signs in on every request of its page: a verification costs tens of
+// milliseconds, so a stored hash and password that matched once are remembered (as a digest
+// of both) for as long as the hash stays the same.
+bool VerifyAutoLoginPassword(const std::string& stored, std::string_view password) {
+  static std::mutex mutex;
+  static std::set<std::string> verified;
+  std::string pair = stored;
+  pair += '\0';
+  pair += password;
+  unsigned char digest[EVP_MAX_MD_SIZE];
+  unsigned int length = 0;
+  EVP_Digest(pair.data(), pair.size(), digest, &length, EVP_sha256(), nullptr);
+  std::string remembered(reinterpret_cast<const char*>(digest), length);
+  {
+    std::lock_guard lock(mutex);
+    if (verified.contains(remembered)) return true;
+  }
+  if (!VerifyPassword(stored, password)) return false;
+  std::lock_guard lock(mutex);
+  if (verified.size() >= 64) verified.clear();  // a few AutoLogin pages, rarely changed
+  verified.insert(std::move(remembered));
+  return true;
 }
 
 void ReadAccount(Page& page, Recordset& rs) {
@@ -112,21 +150,29 @@ void LoadAccount(Page& page) {
 
 }  // namespace
 
-std::string LoginUser(Page& page, std::string_view user_name, std::string_view password) {
+std::string LoginUser(Page& page, std::string_view user_name, std::string_view password,
+                      LoginSource source) {
   try {
+    LoginAttempt attempt;
+    if (source == LoginSource::kForm) attempt = AdmitLoginAttempt(page, user_name);
     Recordset rs;
-    rs.Open(LoginStatement(user_name, password), *page.Connection);
-    if (rs.Eof()) {
-      page.ErrorFlag = true;
-      page.ErrorKind = "LA";
-      page.ErrorText = kInvalidLogin;
-      return "";
-    }
+    if (source == LoginSource::kForm && !attempt.admitted) return RefuseLogin(page);
+    rs.Open(LoginStatement(user_name), *page.Connection);
+    const bool known = !rs.Eof();
+    const std::string stored = known ? CStrOrBlank(rs.Fields("Password").Value()) : "";
+    const bool matches = source == LoginSource::kAutoLogin
+                             ? VerifyAutoLoginPassword(stored, password)
+                             : known ? VerifyPassword(stored, password)
+                                     : VerifyAgainstNoAccount(password);
+    if (!matches) return RefuseLogin(page);
+    if (source == LoginSource::kForm) ForgetLoginAttempt(page, attempt);
     page.Screen = CLng(rs.Fields("DefaultView").Value());
     page.ReturnView = page.Screen;
     UserOptions options = ReadUserOptions(CStrOrBlank(rs.Fields("Options").Value()));
     if (options.start_hour) page.CurrentHour = *options.start_hour;
-    return CStrOrBlank(rs.Fields("OwnerKey").Value());
+    std::string key = CStrOrBlank(rs.Fields("OwnerKey").Value());
+    page.Stamps.Set(key, stored);
+    return key;
   } catch (const ado::DatabaseError& error) {
     TrapDatabaseError(page, error);
     return "";

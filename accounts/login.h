@@ -14,11 +14,20 @@ struct Page;
 // request's pending error with the error screen (data/open_database.h), as any database
 // trouble does.
 
-// Looks the name and password up. On a match: Screen and ReturnView become the user's
-// default view, CurrentHour his start hour (when his options hold one), and the answer is his
-// OwnerKey. Otherwise "" and the pending "LA" error with the invalid-login notice the login
-// screen shows.
-std::string LoginUser(Page& page, std::string_view user_name, std::string_view password);
+// Where a login's name and password come from.
+enum class LoginSource {
+  kForm,       // the login form: throttled (accounts/login_throttle.h)
+  kAutoLogin,  // the page's AutoLogin setting: the site's own configuration, not throttled
+};
+
+// Looks the name up and verifies the password against the stored hash (a name without an
+// account costs the same time as a wrong password). On a match: Screen and ReturnView become
+// the user's default view, CurrentHour his start hour (when his options hold one), the
+// account's stamp is the page's, and the answer is his OwnerKey. Otherwise, and when the form
+// has been tried too often for that name or from that address, "" and the pending "LA" error
+// with the invalid-login notice the login screen shows.
+std::string LoginUser(Page& page, std::string_view user_name, std::string_view password,
+                      LoginSource source);
 
 // Loads the account of UserKey into page.User, UserGroupId and the banner "Group: ... | User:
 // ..." (names escaped). A key that names no account any more (deleted, or its group gone)

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "accounts/account_form.h"
+#include "accounts/password_fields.h"
 #include "component/page.h"
 #include "component/screen_links.h"
 #include "frame/markup.h"
@@ -70,7 +71,8 @@ void UserOptionsView(Page& page) {
                              Selection::kEqual);
   }
   AppendDefaultViewRow(page);
-  AppendPasswordTable(page, "Change Password:", "&nbsp;&nbsp;Confirm Password:", user.Password);
+  AppendPasswordTable(page, "Change Password:", "&nbsp;&nbsp;Confirm Password:",
+                      PasswordStandIn(page, user.Password));
   out += "<br>";
   out += "<input class=text type=submit name=submit value=Update >";
   out += "<input type=hidden name=action value=u />";

@@ -41,6 +41,7 @@ class BusyDatabase {
     CreateSchema(connection_string_);
     testing::CalendarData data(connection_string_);
     month_ = testing::SeedBusyMonth(data);
+    stamp_of_bob_ = data.StampOf(month_.bob);
   }
   ~BusyDatabase() {
     ado::ClosePooledSessions();
@@ -50,8 +51,10 @@ class BusyDatabase {
 
   const std::string& connection_string() const { return connection_string_; }
   const testing::BusyMonth& month() const { return month_; }
+  const std::string& stamp_of_bob() const { return stamp_of_bob_; }
 
  private:
+  std::string stamp_of_bob_;
   std::string folder_;
   std::string connection_string_;
   testing::BusyMonth month_;
@@ -73,7 +76,8 @@ std::string Render(const std::string& screen, int hour, const std::string& date 
                               "Mozilla/4.0 (compatible; MSIE 6.0; Windows NT 5.1)");
   request.QueryString.Add(
       "WS", EncodeQueryString("~" + screen + "~" + date + "~" + std::to_string(hour) + "~0~" +
-                                  SignKey(kSigning, database.month().bob) + "~~~",
+                                  SignKey(kSigning, database.month().bob, database.stamp_of_bob()) +
+                                  "~~~",
                               true));
   BufferedResponse response;
   ScriptingContext context{&request, &response};

@@ -49,18 +49,19 @@ void AppendEncoded(std::string& out, std::string_view text, bool hex) {
 // length. The last few a thread wrote are kept, signed and encoded.
 class RecentKeys {
  public:
-  const std::string& Encoded(const LinkSigning& signing, std::string_view key, bool hex) {
+  const std::string& Encoded(const LinkSigning& signing, std::string_view key,
+                             std::string_view stamp, bool hex) {
     const long long expiry = UnixNow() + signing.lifetime_seconds;
     for (const Entry& entry : entries_) {
       if (entry.expiry == expiry && entry.hex == hex && entry.key == key &&
-          entry.secret == signing.secret) {
+          entry.stamp == stamp && entry.secret == signing.secret) {
         return entry.encoded;
       }
     }
     Entry& entry = entries_[next_];
     next_ = (next_ + 1) % entries_.size();
-    entry = {signing.secret, std::string(key), expiry, hex, ""};
-    AppendEncoded(entry.encoded, SignKey(signing, key), hex);
+    entry = {signing.secret, std::string(key), std::string(stamp), expiry, hex, ""};
+    AppendEncoded(entry.encoded, SignKey(signing, key, stamp), hex);
     return entry.encoded;
   }
 
@@ -68,6 +69,7 @@ class RecentKeys {
   struct Entry {
     std::string secret;
     std::string key;
+    std::string stamp;
     long long expiry = 0;
     bool hex = false;
     std::string encoded;
@@ -76,11 +78,14 @@ class RecentKeys {
   size_t next_ = 0;
 };
 
-// The key as a link carries it: signed (link_keys.h), then encoded; an empty key stays empty.
-void AppendKey(std::string& link, const LinkSigning& signing, std::string_view key, bool hex) {
+// The key as a link carries it: signed over its account's stamp (link_keys.h), then encoded;
+// an empty key stays empty. A key whose account the page never read is signed over an empty
+// stamp, which no account has, so that link opens nothing.
+void AppendKey(std::string& link, const Page& page, std::string_view key, bool hex) {
   if (key.empty()) return;
   thread_local RecentKeys recent;
-  link += recent.Encoded(signing, key, hex);
+  const std::string* stamp = page.Stamps.Find(key);
+  link += recent.Encoded(page.signing, key, stamp ? *stamp : std::string_view(), hex);
 }
 
 // A field's text by the run time's rules, written straight after what is there: text and
@@ -117,12 +122,12 @@ void AppendLink(std::string& out, const Page& page, const Variant& f1, const Var
     fields += '~';
   }
   AppendEncoded(out, fields, hex);
-  AppendKey(out, page.signing, f5, hex);
+  AppendKey(out, page, f5, hex);
   fields = "~";
   AppendFieldText(fields, f6);
   fields += '~';
   AppendEncoded(out, fields, hex);
-  AppendKey(out, page.signing, f7, hex);
+  AppendKey(out, page, f7, hex);
   fields = "~";
   fields += suffix;
   AppendEncoded(out, fields, hex);

@@ -52,13 +52,11 @@ const std::string& ProcessSecret() {
   return secret;
 }
 
-std::string Mac(const LinkSigning& signing, std::string_view message) {
-  const std::string& secret = signing.secret.empty() ? ProcessSecret() : signing.secret;
-  unsigned char digest[EVP_MAX_MD_SIZE];
-  unsigned int length = 0;
-  HMAC(EVP_sha256(), secret.data(), static_cast<int>(secret.size()),
-       reinterpret_cast<const unsigned char*>(message.data()), message.size(), digest, &length);
-  return Hex(digest, length).substr(0, kMacDigits);
+std::string Mac(const LinkSigning& signing, std::string_view signed_part, std::string_view stamp) {
+  std::string message(signed_part);
+  message += '\n';
+  message += stamp;
+  return SiteSignature(signing, message).substr(0, kMacDigits);
 }
 
 }  // namespace
@@ -81,14 +79,40 @@ bool IsOwnerKey(std::string_view key) {
   return key.size() == kKeyDigits && IsLowerHex(key);
 }
 
-std::string SignKey(const LinkSigning& signing, std::string_view key) {
-  if (key.empty()) return "";
-  std::string message =
-      std::string(key) + "." + std::to_string(UnixNow() + signing.lifetime_seconds);
-  return message + "." + Mac(signing, message);
+std::string SiteSignature(const LinkSigning& signing, std::string_view message) {
+  const std::string& secret = signing.secret.empty() ? ProcessSecret() : signing.secret;
+  unsigned char digest[EVP_MAX_MD_SIZE];
+  unsigned int length = 0;
+  HMAC(EVP_sha256(), secret.data(), static_cast<int>(secret.size()),
+       reinterpret_cast<const unsigned char*>(message.data()), message.size(), digest, &length);
+  return Hex(digest, length);
 }
 
-std::optional<std::string> CheckSignedKey(const LinkSigning& signing, std::string_view signed_key) {
+const std::string* AccountStamps::Find(std::string_view key) const {
+  for (const auto& [known_key, stamp] : known_) {
+    if (known_key == key) return &stamp;
+  }
+  return nullptr;
+}
+
+void AccountStamps::Set(std::string_view key, std::string stamp) {
+  Forget(key);
+  known_.emplace_back(std::string(key), std::move(stamp));
+}
+
+void AccountStamps::Forget(std::string_view key) {
+  std::erase_if(known_, [key](const auto& entry) { return entry.first == key; });
+}
+
+std::string SignKey(const LinkSigning& signing, std::string_view key, std::string_view stamp) {
+  if (key.empty()) return "";
+  std::string signed_part =
+      std::string(key) + "." + std::to_string(UnixNow() + signing.lifetime_seconds);
+  std::string mac = Mac(signing, signed_part, stamp);
+  return signed_part + "." + mac;
+}
+
+std::optional<SignedKey> ReadSignedKey(std::string_view signed_key) {
   size_t first_dot = signed_key.find('.');
   size_t last_dot = signed_key.rfind('.');
   if (first_dot != kKeyDigits || last_dot == first_dot) return std::nullopt;
@@ -102,10 +126,21 @@ std::optional<std::string> CheckSignedKey(const LinkSigning& signing, std::strin
   if (error != std::errc() || end != expiry_text.end() || expiry_text[0] == '0')
     return std::nullopt;
 
-  std::string expected = Mac(signing, signed_key.substr(0, last_dot));
-  if (CRYPTO_memcmp(expected.data(), mac.data(), kMacDigits) != 0) return std::nullopt;
   if (expiry < UnixNow()) return std::nullopt;
-  return std::string(key);
+  return SignedKey{std::string(key), std::string(signed_key.substr(0, last_dot)), std::string(mac)};
+}
+
+bool MacMatches(const LinkSigning& signing, const SignedKey& key, std::string_view stamp) {
+  std::string expected = Mac(signing, key.signed_part, stamp);
+  return key.mac.size() == kMacDigits &&
+         CRYPTO_memcmp(expected.data(), key.mac.data(), kMacDigits) == 0;
+}
+
+std::optional<std::string> CheckSignedKey(const LinkSigning& signing, std::string_view signed_key,
+                                          std::string_view stamp) {
+  std::optional<SignedKey> read = ReadSignedKey(signed_key);
+  if (!read || !MacMatches(signing, *read, stamp)) return std::nullopt;
+  return read->key;
 }
 
 }  // namespace tidewell

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "accounts/key_check.h"
 #include "component/link_codec.h"
 #include "component/link_keys.h"
 #include "component/page.h"
@@ -64,19 +65,20 @@ void ReadItemField(Page& page, const std::string& field) {
   }
 }
 
-// Field 5: a signed key passes the check and yields the bare key; anything else logs out.
+// Field 5: a well-formed, unexpired signed key yields the bare key; anything else logs out.
+// Its mac is checked once the database is open, against the account it names.
 void ReadUserKeyField(Page& page, const std::string& field) {
-  std::optional<std::string> key = CheckSignedKey(page.signing, field);
-  page.UserKey = key.value_or("");
-  if (!key && page.RequestValue("welcome") != "y") page.Screen = screens::kLogin;
+  page.UserKeyInLink = ReadSignedKey(field);
+  page.UserKey = page.UserKeyInLink ? page.UserKeyInLink->key : "";
+  if (!page.UserKeyInLink) RejectUserKey(page);
 }
 
 // Field 7: the acting administrator's key. One that fails the check is dropped but remembered,
 // so that loading the user can refuse the calendar it was meant to open.
 void ReadAdminKeyField(Page& page, const std::string& field) {
-  std::optional<std::string> key = CheckSignedKey(page.signing, field);
-  page.AdminKey = key.value_or("");
-  page.AdminKeyRejected = !field.empty() && !key;
+  page.AdminKeyInLink = ReadSignedKey(field);
+  page.AdminKey = page.AdminKeyInLink ? page.AdminKeyInLink->key : "";
+  page.AdminKeyRejected = !field.empty() && !page.AdminKeyInLink;
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -46,7 +47,7 @@ inline constexpr long kOpera = 3;
 // nobody is signed in. The screens that show or change the account read it from here.
 struct CurrentUser {
   std::string Username;
-  std::string Password;
+  std::string Password;  // as stored: the hash, never shown (accounts/password_fields.h)
   std::string Initials;
   std::string GroupName;  // the name of the group GroupID names, as stored
   long DefaultView = 0;
@@ -85,6 +86,12 @@ struct Page {
   std::string SortOrder;
   std::string AdminKey;
   bool AdminKeyRejected = false;  // the link carried an administrator key that failed the check
+  // The keys as the link carried them, well formed and unexpired, until the database has
+  // confirmed their signatures (accounts/key_check.h).
+  std::optional<SignedKey> UserKeyInLink;
+  std::optional<SignedKey> AdminKeyInLink;
+  // What the links of this page sign UserKey and AdminKey over.
+  AccountStamps Stamps;
   std::string UserBanner;
   long UserGroupId = 0;
   CurrentUser User;

@@ -4,6 +4,7 @@
 #include "accounts/administrator_actions.h"
 #include "accounts/administrator_check.h"
 #include "accounts/group_updates.h"
+#include "accounts/key_check.h"
 #include "accounts/login.h"
 #include "component/link_state.h"
 #include "component/page.h"
@@ -50,9 +51,11 @@ void WritePage(Page& page) {
 // failed login leaves the key empty and the "LA" notice pending.
 void LogIn(Page& page) {
   if (page.AutoLoginEnabled) {
-    page.UserKey = LoginUser(page, page.AutoLoginUserName, page.AutoLoginPassword);
+    page.UserKey = LoginUser(page, page.AutoLoginUserName, page.AutoLoginPassword,
+                             LoginSource::kAutoLogin);
   } else if (!page.FormValue("login").empty()) {
-    page.UserKey = LoginUser(page, page.FormValue("username"), page.FormValue("password"));
+    page.UserKey = LoginUser(page, page.FormValue("username"), page.FormValue("password"),
+                             LoginSource::kForm);
   }
   // The logout link carries the present date and time, and so does the login form it leads
   // to. The calendar a user signs in to is on that day: without the time of day, which would
@@ -107,6 +110,8 @@ void RunPostedActions(Page& page) {
   // The administrator screens are drawn for administrators only; anyone else, the login
   // screen.
   GuardAdministratorScreens(page);
+  // From here on the page writes links: the keys it carries are known to be whose they are.
+  SettleKeyStamps(page);
   // 9g: the search on screen 15, once the searcher is known.
   if (!page.ErrorFlag && page.Screen == screens::kSearch && !page.FormValue("action").empty()) {
     ProcessSearch(page);
@@ -158,6 +163,7 @@ void RunPageDriver(Page& page) {
   }
 
   OpenDatabase(page);
+  if (!page.ErrorFlag) ConfirmLinkKeys(page);
   if (!page.ErrorFlag) RunPostedActions(page);
   AssemblePage(page);
   CloseDatabase(page);

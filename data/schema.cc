@@ -14,6 +14,11 @@
 namespace tidewell {
 namespace {
 
+struct SiteTable {
+  const char* name;
+  ado::Statement create;
+};
+
 // There are no enforced references between the tables: the account deletion removes a
 // user's items and the user itself, and when a user deletes his own account, every group,
 // which a reference from the remaining users would refuse.
@@ -21,6 +26,21 @@ namespace {
 // Dates are ISO text with a DATE declaration, which the provider reads back as dates; flags
 // are BOOLEAN, holding -1 for true as the Access dialect compares them. Names compare
 // without regard to case (COLLATE NOCASE), as the Jet engine compared text.
+// Tables of the site's own that the screens never read: settings such as the link secret,
+// and the login failures the throttle counts.
+const std::vector<SiteTable>& SqliteSiteTables() {
+  static const std::vector<SiteTable> tables = {
+      {"TidewellSettings", ado::Statement("CREATE TABLE TidewellSettings ("
+                                          "Name TEXT NOT NULL PRIMARY KEY, "
+                                          "Value TEXT NOT NULL)")},
+      {"LoginFailures", ado::Statement("CREATE TABLE LoginFailures ("
+                                       "Token TEXT NOT NULL PRIMARY KEY, "
+                                       "Subject TEXT NOT NULL, "
+                                       "FailedAt INTEGER NOT NULL)")},
+  };
+  return tables;
+}
+
 const std::vector<ado::Statement>& SqliteTables() {
   static const std::vector<ado::Statement> statements = {
       ado::Statement("CREATE TABLE Groups ("
@@ -52,6 +72,21 @@ const std::vector<ado::Statement>& SqliteTables() {
 // Flags are smallint holding 1 for true, as the SQL Server dialect compares them; names and
 // headings are citext, so that "=" and LIKE ignore case as SQL Server's default collation
 // did. citext is a trusted extension: a database owner may create it.
+// Tables of the site's own that the screens never read: settings such as the link secret,
+// and the login failures the throttle counts.
+const std::vector<SiteTable>& PostgresSiteTables() {
+  static const std::vector<SiteTable> tables = {
+      {"TidewellSettings", ado::Statement("CREATE TABLE TidewellSettings ("
+                                          "Name text NOT NULL PRIMARY KEY, "
+                                          "Value text NOT NULL)")},
+      {"LoginFailures", ado::Statement("CREATE TABLE LoginFailures ("
+                                       "Token text NOT NULL PRIMARY KEY, "
+                                       "Subject text NOT NULL, "
+                                       "FailedAt bigint NOT NULL)")},
+  };
+  return tables;
+}
+
 const std::vector<ado::Statement>& PostgresTables() {
   static const std::vector<ado::Statement> statements = {
       ado::Statement("CREATE EXTENSION IF NOT EXISTS citext"),
@@ -81,14 +116,32 @@ const std::vector<ado::Statement>& PostgresTables() {
   return statements;
 }
 
-// The same on both engines: the day lists select by date and owner, the login by name, the
-// group screens by group.
+// The same on both engines: the day lists select by date and owner, the group screens by
+// group.
 const std::vector<ado::Statement>& Indexes() {
   static const std::vector<ado::Statement> statements = {
       ado::Statement("CREATE INDEX Items_DateStamp_OwnerKey ON Items (DateStamp, OwnerKey)"),
       ado::Statement("CREATE INDEX Items_OwnerKey ON Items (OwnerKey)"),
-      ado::Statement("CREATE INDEX Users_Username ON Users (Username)"),
       ado::Statement("CREATE INDEX Users_GroupID ON Users (GroupID)"),
+  };
+  return statements;
+}
+
+// What the tables gained since they were first made, written so that running them again on
+// an up-to-date database changes nothing. The login looks names up through the unique index,
+// which, over a column that ignores case on both engines, also keeps two accounts from
+// sharing a name in any spelling however close together they are made. The login failures are
+// counted by subject and time and expire by time. The accounts lock is a row that the
+// transactions which must not overlap (making the first administrator) update first.
+const std::vector<ado::Statement>& Additions() {
+  static const std::vector<ado::Statement> statements = {
+      ado::Statement("DROP INDEX IF EXISTS Users_Username"),
+      ado::Statement("CREATE UNIQUE INDEX IF NOT EXISTS Users_Username_Unique ON Users (Username)"),
+      ado::Statement("CREATE INDEX IF NOT EXISTS LoginFailures_Subject "
+                     "ON LoginFailures (Subject, FailedAt)"),
+      ado::Statement("CREATE INDEX IF NOT EXISTS LoginFailures_FailedAt ON LoginFailures (FailedAt)"),
+      ado::Statement("INSERT INTO TidewellSettings (Name, Value) VALUES ('AccountsLock', '') "
+                     "ON CONFLICT DO NOTHING"),
   };
   return statements;
 }
@@ -99,7 +152,7 @@ bool FileExists(const std::string& path) {
 }
 
 void RefuseWhenTablesExist(ado::Connection& connection) {
-  for (const char* table : {"Groups", "Users", "Items"}) {
+  for (const char* table : {"Groups", "Users", "Items", "TidewellSettings", "LoginFailures"}) {
     if (connection.TableExists(table)) {
       throw SchemaError(std::string("The database already has a table named ") + table +
                         ": the tables are created only in an empty database. Nothing was changed.");
@@ -107,14 +160,12 @@ void RefuseWhenTablesExist(ado::Connection& connection) {
   }
 }
 
-void CreateTables(ado::Connection& connection) {
-  const bool sqlite = connection.Provider() == "SQLite";
+// Runs `work` in one transaction: all of it or nothing.
+template <typename Work>
+void InOneTransaction(ado::Connection& connection, Work work) {
   connection.BeginTrans();
   try {
-    for (const ado::Statement& statement : sqlite ? SqliteTables() : PostgresTables()) {
-      connection.Execute(statement);
-    }
-    for (const ado::Statement& statement : Indexes()) connection.Execute(statement);
+    work();
     connection.CommitTrans();
   } catch (...) {
     try {
@@ -124,6 +175,29 @@ void CreateTables(ado::Connection& connection) {
     }
     throw;
   }
+}
+
+const std::vector<SiteTable>& SiteTables(const ado::Connection& connection) {
+  return connection.Provider() == "SQLite" ? SqliteSiteTables() : PostgresSiteTables();
+}
+
+// The site's own tables that are missing, then the additions.
+void AddWhatIsMissing(ado::Connection& connection) {
+  for (const SiteTable& table : SiteTables(connection)) {
+    if (!connection.TableExists(table.name)) connection.Execute(table.create);
+  }
+  for (const ado::Statement& statement : Additions()) connection.Execute(statement);
+}
+
+void CreateTables(ado::Connection& connection) {
+  const bool sqlite = connection.Provider() == "SQLite";
+  InOneTransaction(connection, [&] {
+    for (const ado::Statement& statement : sqlite ? SqliteTables() : PostgresTables()) {
+      connection.Execute(statement);
+    }
+    for (const ado::Statement& statement : Indexes()) connection.Execute(statement);
+    AddWhatIsMissing(connection);
+  });
 }
 
 // For a SQLite connection string: the file, when it is one that does not exist yet.
@@ -153,6 +227,17 @@ void CreateSchema(const std::string& connection_string) {
     }
     throw SchemaError("Could not create the tables: " + error.description() + " (error " +
                       std::to_string(error.number()) + ")");
+  }
+}
+
+void UpgradeSchema(const std::string& connection_string) {
+  try {
+    ado::Connection connection;
+    connection.Open(connection_string);
+    InOneTransaction(connection, [&] { AddWhatIsMissing(connection); });
+  } catch (const ado::DatabaseError& error) {
+    throw SchemaError("Could not bring the tables up to date: " + error.description() +
+                      " (error " + std::to_string(error.number()) + ")");
   }
 }
 

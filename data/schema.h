@@ -11,18 +11,27 @@ class SchemaError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-// Creates the three tables on the database the connection string names (SQLite or
+// Creates the calendar's three tables and the site's own on the database the connection string names (SQLite or
 // PostgreSQL), in one transaction:
 //   Groups (GroupID generated key, GroupName unique without regard to case)
 //   Users  (OwnerKey key, Username, Password, Initials, DefaultView, Options,
 //           Administrator flag defaulting to false, GroupID)
 //   Items  (ItemID generated key, OwnerKey, DateStamp date, TimeStamp hour, TimeText,
 //           Heading, Description, Urgent and Complete flags defaulting to false)
-// with indexes for the item lists (Items by DateStamp and OwnerKey) and the login and group
-// statements (Users by Username and by GroupID). A SQLite file that does not exist yet is
+//   TidewellSettings (Name key, Value): the link secret, the accounts lock row
+//   LoginFailures (Token key, Subject, FailedAt Unix seconds): what the login throttle counts
+// with indexes for the item lists (Items by DateStamp and OwnerKey), the group screens (Users
+// by GroupID), the login (a unique index on Users.Username, without regard to case) and the
+// throttle. A SQLite file that does not exist yet is
 // created (its folder must exist). Refuses, changing nothing, when any of the tables exists
 // already. Throws SchemaError.
 void CreateSchema(const std::string& connection_string);
+
+// Brings tables made by an earlier version up to date, in one transaction: adds the site's
+// own tables that are missing, the unique index on user names, the throttle's indexes and the
+// accounts lock row. Running it on an up-to-date database changes nothing. Throws SchemaError
+// (for instance when two accounts share a name, which the unique index refuses).
+void UpgradeSchema(const std::string& connection_string);
 
 // What PrepareEmbeddedDatabase found or did.
 struct EmbeddedDatabaseReport {

@@ -1,7 +1,9 @@
 #include "data/sqlite_session.h"
 
+#include <fcntl.h>
 #include <sqlite3.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cctype>
@@ -397,6 +399,14 @@ std::unique_ptr<Session> OpenSqliteSession(const ConnectionSettings& settings) {
 
 void CreateSqliteDatabaseFile(const std::string& path) {
   StartSqlite();
+  // The file holds password hashes and the site's link secret: readable by its owner only.
+  // SQLite gives the WAL and shared-memory files it makes beside it the same permissions.
+  int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+  if (fd < 0) {
+    throw DatabaseError(error_numbers::kFail,
+                        "Could not create the database file " + path + ": " + std::strerror(errno));
+  }
+  ::close(fd);
   sqlite3* db = nullptr;
   int code = sqlite3_open_v2(
       path.c_str(), &db, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr);

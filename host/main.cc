@@ -117,7 +117,11 @@ int InitDbCommand(const Arguments& args) {
   }
   if (!connection) throw std::invalid_argument("give --connection STRING or --config FILE");
   CreateSchema(*connection);
-  std::puts("tidewell init-db: created the tables Groups, Users and Items");
+  // Made here rather than by the first server, so that servers started together agree at once.
+  SiteLinkSecret(*connection);
+  std::puts(
+      "tidewell init-db: created the tables Groups, Users and Items, and the site's own "
+      "TidewellSettings (with a new link secret) and LoginFailures");
   return 0;
 }
 

@@ -1,83 +1,55 @@
 #include "host/site_setup.h"
 
-#include <sys/stat.h>
-
+#include <algorithm>
 #include <cstdio>
-#include <filesystem>
-#include <fstream>
-#include <optional>
-#include <set>
 #include <stdexcept>
+#include <vector>
 
-#include "data/connection_string.h"
+#include "accounts/stored_passwords.h"
 #include "data/database_error.h"
 #include "data/schema.h"
+#include "data/site_settings.h"
 #include "runtime/regional_settings.h"
 
 namespace tidewell {
 namespace {
 
-namespace fs = std::filesystem;
+constexpr const char* kLinkSecretSetting = "LinkSecret";
 
-// The SQLite file a connection string names, if it names one.
-std::optional<fs::path> EmbeddedDatabaseFile(const std::string& connection_string) {
-  try {
-    ado::ConnectionSettings settings = ado::ParseConnectionString(connection_string);
-    if (!EqualsIgnoringCase(settings.provider, "SQLite")) return std::nullopt;
-    std::optional<std::string> file = settings.Get("Data Source");
-    if (!file || file->empty() || *file == ":memory:") return std::nullopt;
-    return fs::path(*file);
-  } catch (const ado::DatabaseError&) {
-    return std::nullopt;
-  }
-}
-
-// Creates each configured SQLite file that is missing. A failure is logged, not fatal: the
-// pages then show the error screen with its advice, as they would for any database trouble.
-void PrepareEmbeddedDatabases(const SiteConfig& config) {
-  std::set<std::string> seen;
+// The distinct connection strings of the configured pages, the "/" page's first.
+std::vector<std::string> ConfiguredDatabases(const SiteConfig& config) {
+  std::vector<std::string> databases;
   for (const PageConfig& page : config.pages) {
     std::string connection_string = page.PropertyValue("ConnectionString");
-    if (!seen.insert(connection_string).second) continue;
-    EmbeddedDatabaseReport report = PrepareEmbeddedDatabase(connection_string);
-    using Outcome = EmbeddedDatabaseReport::Outcome;
-    if (report.outcome == Outcome::kCreated || report.outcome == Outcome::kFailed) {
-      std::fprintf(stderr, "tidewell: %s\n", report.message.c_str());
+    if (std::find(databases.begin(), databases.end(), connection_string) == databases.end()) {
+      databases.push_back(std::move(connection_string));
     }
   }
+  return databases;
 }
 
-// The secret kept beside the embedded database, made on the first start. Every server that
-// uses the file then signs alike, across restarts.
-std::optional<std::string> KeptSecret(const fs::path& database) {
-  fs::path file = database.parent_path() / "tidewell-link.secret";
-  if (std::ifstream in(file); in) {
-    std::string secret;
-    std::getline(in, secret);
-    if (secret.size() >= 16) return secret;
-    std::fprintf(stderr, "tidewell: %s holds no usable secret\n", file.string().c_str());
-    return std::nullopt;
+// Makes one configured database ready: creates a SQLite file that is missing, brings tables of
+// an earlier version up to date and hashes passwords it kept as typed. A failure is logged,
+// not fatal: the pages then show the error screen with its advice, as they would for any
+// database trouble.
+void PrepareDatabase(const std::string& connection_string) {
+  EmbeddedDatabaseReport report = PrepareEmbeddedDatabase(connection_string);
+  using Outcome = EmbeddedDatabaseReport::Outcome;
+  if (report.outcome == Outcome::kCreated || report.outcome == Outcome::kFailed) {
+    std::fprintf(stderr, "tidewell: %s\n", report.message.c_str());
   }
-  std::string secret = GenerateLinkSecret();
-  mode_t previous = umask(077);
-  std::ofstream out(file);
-  out << secret << "\n";
-  out.close();
-  umask(previous);
-  if (!out) {
-    std::fprintf(stderr, "tidewell: cannot keep a link secret in %s\n", file.string().c_str());
-    return std::nullopt;
+  if (report.outcome == Outcome::kFailed) return;
+  try {
+    UpgradeSchema(connection_string);
+    if (int hashed = HashPasswordsKeptAsTyped(connection_string); hashed > 0) {
+      std::fprintf(stderr, "tidewell: replaced %d stored password%s with %s hash\n", hashed,
+                   hashed == 1 ? "" : "s", hashed == 1 ? "its" : "their");
+    }
+  } catch (const SchemaError& error) {
+    std::fprintf(stderr, "tidewell: %s\n", error.what());
+  } catch (const ado::DatabaseError& error) {
+    std::fprintf(stderr, "tidewell: cannot prepare the database: %s\n", error.what());
   }
-  std::fprintf(stderr, "tidewell: made a new link secret in %s\n", file.string().c_str());
-  return secret;
-}
-
-std::optional<std::string> SecretBesideTheDatabase(const SiteConfig& config) {
-  for (const PageConfig& page : config.pages) {
-    auto database = EmbeddedDatabaseFile(page.PropertyValue("ConnectionString"));
-    if (database && fs::exists(*database)) return KeptSecret(*database);
-  }
-  return std::nullopt;
 }
 
 }  // namespace
@@ -92,25 +64,37 @@ void PrepareRegionalSettings(const SiteConfig& config) {
   }
 }
 
+std::string SiteLinkSecret(const std::string& connection_string) {
+  return ReadOrStoreSetting(connection_string, kLinkSecretSetting, GenerateLinkSecret());
+}
+
 LinkSigning PrepareSigning(const SiteConfig& config) {
   LinkSigning signing;
   signing.lifetime_seconds = config.link_lifetime_seconds;
   if (config.link_secret) {
     signing.secret = *config.link_secret;
-  } else if (auto kept = SecretBesideTheDatabase(config)) {
-    signing.secret = *kept;
-  } else {
+    return signing;
+  }
+  // Every page signs with the secret of the "/" page's database: any secret serves, as long
+  // as every server of the site signs with the same one.
+  const std::string connection_string = config.pages.front().PropertyValue("ConnectionString");
+  try {
+    signing.secret = SiteLinkSecret(connection_string);
+  } catch (const ado::DatabaseError& error) {
     // The component then signs with a secret of its own that lives as long as this process.
     std::fprintf(stderr,
-                 "tidewell: no LinkSecret configured and no database to keep one beside; "
-                 "links stay valid until this server stops\n");
+                 "tidewell: no LinkSecret configured and the database holds none (%s); "
+                 "links stay valid until this server stops\n",
+                 error.what());
   }
   return signing;
 }
 
 PreparedSite PrepareSite(const SiteConfig& config) {
   PrepareRegionalSettings(config);
-  PrepareEmbeddedDatabases(config);
+  for (const std::string& connection_string : ConfiguredDatabases(config)) {
+    PrepareDatabase(connection_string);
+  }
   std::string folder = config.asset_folder.empty() ? DefaultAssetFolder() : config.asset_folder;
   return {PrepareSigning(config), StaticAssets::Load(folder)};
 }

@@ -14,17 +14,23 @@ struct PreparedSite {
   StaticAssets assets;
 };
 
-// Puts the configured regional settings in force, creates a configured SQLite database that
-// does not exist yet, reads the images and the style sheet, and settles the secret that signs
-// keys in links. Throws std::runtime_error saying what is wrong.
+// Puts the configured regional settings in force, makes each configured database ready (a
+// SQLite file that does not exist yet is created, tables of an earlier version are brought up
+// to date, passwords kept as typed are hashed), reads the images and the style sheet, and
+// settles the secret that signs keys in links. Throws std::runtime_error saying what is wrong.
 PreparedSite PrepareSite(const SiteConfig& config);
 
 // The asset folder of this build, used when the configuration names none.
 std::string DefaultAssetFolder();
 
-// The secret that signs keys in links: LinkSecret when configured, else the one kept beside
-// the embedded database (made on first use), else one that lasts as long as the process.
+// The secret that signs keys in links: LinkSecret when configured, else the one kept in the
+// "/" page's database (made there by the first server that needs it), else, while that
+// database cannot be reached, one that lasts as long as the process.
 LinkSigning PrepareSigning(const SiteConfig& config);
+
+// The link secret kept in the database, stored first when there is none. Throws
+// ado::DatabaseError.
+std::string SiteLinkSecret(const std::string& connection_string);
 void PrepareRegionalSettings(const SiteConfig& config);
 
 }  // namespace tidewell

@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "accounts/account_updates.h"
+#include "accounts/password_hash.h"
 #include "component/asp_objects.h"
 #include "component/link_keys.h"
 #include "component/page.h"
@@ -13,6 +14,7 @@
 #include "data/statement.h"
 #include "runtime/conversions.h"
 #include "runtime/dates.h"
+#include "tests/component/seeded_database.h"
 #include "tests/data/engines.h"
 
 namespace tidewell {
@@ -59,7 +61,7 @@ class AccountsOnEngine : public ::testing::Test {
     rs.AddNew();
     rs.Fields("OwnerKey").SetValue(key);
     rs.Fields("Username").SetValue(name);
-    rs.Fields("Password").SetValue("pw");
+    rs.Fields("Password").SetValue(HashPassword("pw"));
     rs.Fields("Initials").SetValue("XX");
     rs.Fields("Options").SetValue("1+8+0+0+0");
     rs.Fields("GroupID").SetValue(crew_);
@@ -98,7 +100,8 @@ class AccountsOnEngine : public ::testing::Test {
     groups.Open(Statement("SELECT GroupName FROM Groups WHERE GroupID = ").Number(group),
                 *page_.Connection);
     if (!groups.Eof()) group_name = CStr(groups.Fields("GroupName").Value());
-    return CStr(rs.Fields("Username").Value()) + "|" + CStr(rs.Fields("Password").Value()) + "|" +
+    return CStr(rs.Fields("Username").Value()) + "|" +
+           testing::TypedPassword(CStr(rs.Fields("Password").Value())) + "|" +
            CStr(rs.Fields("Initials").Value()) + "|" + CStr(rs.Fields("DefaultView").Value()) +
            "|" + CStr(rs.Fields("Options").Value()) + "|" +
            (CBool(rs.Fields("Administrator").Value()) ? "admin" : "-") + "|" + group_name;

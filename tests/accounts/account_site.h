@@ -98,7 +98,9 @@ class AccountSite : public SiteTest {
       std::string row;
       for (const char* column : columns) {
         const Variant& value = rs.Fields(column).Value();
-        row += (row.empty() ? "" : "|") + (value.IsNull() ? std::string("NULL") : CStr(value));
+        std::string text = value.IsNull() ? std::string("NULL") : CStr(value);
+        if (std::string_view(column) == "Password") text = TypedPassword(text);
+        row += (row.empty() ? "" : "|") + text;
       }
       rows.push_back(row);
     }

@@ -33,17 +33,25 @@ class AdministratorOptionsScreen : public AccountSite {
             {"bob_key", bob_},
             {"carol_key", carol_}};
   }
+  // The same, and the stand-in the password fields show for the account on the form.
+  std::vector<std::pair<std::string, std::string>> WithStandIn(const std::string& key) const {
+    auto marks = Keys();
+    marks.emplace_back("standin", StandInOf(key));
+    return marks;
+  }
 };
 
 TEST_F(AdministratorOptionsScreen, OwnAccount) {
   SiteVisit visit = AsAdministrator();
-  EXPECT_TRUE(MatchesGolden(AdminOptions(visit.Show()), "admin_options_own_account.html", Keys()));
+  EXPECT_TRUE(MatchesGolden(AdminOptions(visit.Show()), "admin_options_own_account.html",
+                            WithStandIn(admin_)));
 }
 
 TEST_F(AdministratorOptionsScreen, AnotherAccount) {
   SiteVisit visit = Screen8(bob_, admin_);
   EXPECT_TRUE(
-      MatchesGolden(AdminOptions(visit.Show()), "admin_options_other_account.html", Keys()));
+      MatchesGolden(AdminOptions(visit.Show()), "admin_options_other_account.html",
+                    WithStandIn(bob_)));
 }
 
 TEST_F(AdministratorOptionsScreen, NewUserMode) {
@@ -136,8 +144,24 @@ TEST_F(AdministratorOptionsScreen, ARefusedNameIsEmptiedAndTheRestKept) {
   EXPECT_TRUE(Contains(screen, "name=initials value=\"ZZ\" size=18 >"));
   EXPECT_TRUE(Contains(screen, "<option selected class=text value=2 >Deck</option>"));
   EXPECT_TRUE(Contains(screen, "<option class=text value=5 SELECTED  >05:00</option>"));
-  EXPECT_TRUE(Contains(screen, "name=password value=\"kept\" size=18 >"));
+  // A typed password is never carried back: the fields are empty, to be typed again.
+  EXPECT_TRUE(Contains(screen, "name=password value=\"\" size=18 >"));
+  EXPECT_TRUE(Contains(screen, "name=confirm value=\"\" size=18 >"));
+  EXPECT_FALSE(Contains(screen, "kept"));
   EXPECT_TRUE(Contains(screen, "value=\"Add New User\" >"));
+}
+
+TEST_F(AdministratorOptionsScreen, ARefusedUpdateThatKeptThePasswordShowsTheStandInAgain) {
+  SiteVisit visit = Screen8(bob_, admin_);
+  Fields form = AccountForm("carol", "BB", "1");
+  Set(form, "password", StandInOf(bob_));
+  Set(form, "confirm", StandInOf(bob_));
+  Set(form, "submit", "Update");
+  Post(visit, form);
+  const std::string screen = AdminOptions(visit.Show());
+  EXPECT_EQ(visit.page().ErrorKind, "U");
+  EXPECT_TRUE(Contains(screen, "name=password value=\"" + StandInOf(bob_) + "\" size=18 >"));
+  EXPECT_TRUE(Contains(screen, "name=confirm value=\"" + StandInOf(bob_) + "\" size=18 >"));
 }
 
 TEST_F(AdministratorOptionsScreen, RefusedInitialsAreEmptiedAndTheNameKept) {
@@ -206,7 +230,9 @@ TEST_F(AdministratorOptionsScreen, UserTextIsEscaped) {
   EXPECT_TRUE(Contains(screen, "<option selected class=text value=3 >R&amp;D</option>"));
   EXPECT_TRUE(Contains(screen, "name=username value=\"&lt;b&gt;eve\" size=18 >"));
   EXPECT_TRUE(Contains(screen, "name=initials value=\"&lt;i&gt;\" size=18 >"));
-  EXPECT_TRUE(Contains(screen, "name=password value=\"a&quot;b\" size=18 >"));
+  // The password was stored hashed: the form shows its stand-in, never the password.
+  EXPECT_TRUE(Contains(screen, "name=password value=\"" + StandInOf(KeyOf("<b>eve")) + "\" size=18 >"));
+  EXPECT_FALSE(Contains(screen, "a&quot;b"));
   EXPECT_TRUE(Contains(screen, "name=newgroup value=\"&quot;x&quot;\" size=15 >"));
   EXPECT_FALSE(Contains(screen, "<b>eve"));
 }

@@ -42,7 +42,7 @@ TEST_F(CurrentUser, LoadsTheAccountAndItsGroup) {
   EXPECT_EQ(page.UserKey, bob);
   EXPECT_EQ(page.Screen, screens::kMonthView);
   EXPECT_EQ(page.User.Username, "bob");
-  EXPECT_EQ(page.User.Password, "pw");
+  EXPECT_EQ(testing::TypedPassword(page.User.Password), "pw");  // as stored: hashed
   EXPECT_EQ(page.User.Initials, "BO");
   EXPECT_EQ(page.User.DefaultView, 1);
   EXPECT_FALSE(page.User.Administrator);

@@ -75,14 +75,14 @@ TEST_F(KeyCheck, AnExpiredKeyShowsTheLoginScreen) {
 }
 
 TEST_F(KeyCheck, AKeySignedWithAnotherSecretShowsTheLoginScreen) {
-  std::string token = SignKey({"another server's secret", kLifetime}, bob_);
+  std::string token = SignKey({"another server's secret", kLifetime}, bob_, database_.StampOf(bob_));
   SiteVisit visit = Visit();
   ExpectLoginScreen(Open(visit, token));
 }
 
 TEST_F(KeyCheck, AServerWithTheSameSecretAcceptsTheKey) {
   // Its own lifetime may differ; the expiry travels in the link.
-  std::string token = SignKey({kSecret, 60}, bob_);
+  std::string token = SignKey({kSecret, 60}, bob_, database_.StampOf(bob_));
   SiteVisit visit = Visit();
   EXPECT_EQ(Open(visit, token).page().UserKey, bob_);
 }
@@ -120,7 +120,8 @@ TEST_F(KeyCheck, EveryPageSignsItsLinksAfresh) {
   std::vector<std::string> fields = LinkFields(LinkTitled(visit.html(), "Next Month"));
   ASSERT_GE(fields.size(), 8u);
   EXPECT_EQ(fields[5], testing::ExpectedSignedKey(kSecret, bob_,
-                                                  testing::UnixSeconds(2026, 11, 21, 15, 50, 0)));
+                                                  testing::UnixSeconds(2026, 11, 21, 15, 50, 0),
+                                                  database_.StampOf(bob_)));
 }
 
 TEST_F(KeyCheck, TheLogoutLinkCarriesNoKey) {

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "accounts/password_hash.h"
 #include "tests/component/site_visit.h"
 #include "tests/data/engines.h"
 
@@ -284,7 +285,7 @@ class LoginOnPostgres : public ::testing::Test {
     rs.AddNew();
     rs.Fields("OwnerKey").SetValue(key);
     rs.Fields("Username").SetValue(name);
-    rs.Fields("Password").SetValue("pw");
+    rs.Fields("Password").SetValue(HashPassword("pw"));
     rs.Fields("Initials").SetValue("XX");
     rs.Fields("DefaultView").SetValue(view);
     rs.Fields("Options").SetValue("0+10+0+0+0");

@@ -82,20 +82,20 @@ class UserOptionsScreen : public AccountSite {
 TEST_F(UserOptionsScreen, WithTheUsersOwnDefaults) {
   SiteVisit visit = Screen7(bob_, 2, /*own_defaults=*/true);
   EXPECT_TRUE(MatchesGolden(UserOptions(visit.Show()), "user_options_own_defaults.html",
-                            {{"bob", Expected(bob_)}}));
+                            {{"bob", Expected(bob_)}, {"standin", StandInOf(bob_)}}));
 }
 
 TEST_F(UserOptionsScreen, AnAdministratorWithoutTheUsersOwnDefaults) {
   SiteVisit visit = Screen7(admin_, 1, /*own_defaults=*/false, admin_);
   EXPECT_TRUE(MatchesGolden(UserOptions(visit.Show()),
                             "user_options_administrator_without_own_defaults.html",
-                            {{"admin", Expected(admin_)}}));
+                            {{"admin", Expected(admin_)}, {"standin", StandInOf(admin_)}}));
 }
 
 TEST_F(UserOptionsScreen, ALockedShowAllSettingIsAWord) {
   SiteVisit visit = Screen7(carol_, 0, /*own_defaults=*/false);
   EXPECT_TRUE(MatchesGolden(UserOptions(visit.Show()), "user_options_locked_show_all.html",
-                            {{"carol", Expected(carol_)}}));
+                            {{"carol", Expected(carol_)}, {"standin", StandInOf(carol_)}}));
 }
 
 // Without the users' own defaults the only inputs a user can change are the default view and
@@ -165,14 +165,43 @@ TEST_F(UserOptionsScreen, TheStartHourSelectHasTwentyFourHours) {
 TEST_F(UserOptionsScreen, UpdateWithoutTypingKeepsThePassword) {
   SiteVisit visit = Screen7(bob_, 2, /*own_defaults=*/true);
   const std::string screen = UserOptions(visit.Show());
-  EXPECT_TRUE(Contains(screen, "name=password value=\"secret\" size=18 >"));
-  EXPECT_TRUE(Contains(screen, "name=confirm value=\"secret\" size=18 >"));
+  const std::string stand_in = StandInOf(bob_);
+  EXPECT_TRUE(Contains(screen, "name=password value=\"" + stand_in + "\" size=18 >"));
+  EXPECT_TRUE(Contains(screen, "name=confirm value=\"" + stand_in + "\" size=18 >"));
+  EXPECT_FALSE(Contains(screen, "secret"));
 
+  // The stand-in sent back keeps the very hash that was stored.
+  const std::string stored = database_.StampOf(bob_);
+  Fields form = BobsFormAsDrawn(true);
+  for (auto& [name, value] : form) {
+    if (name == "password" || name == "confirm") value = stand_in;
+  }
   SiteVisit update = Screen7(bob_, 2, /*own_defaults=*/true);
-  Post(update, BobsFormAsDrawn(true));
+  Post(update, form);
   update.Show();
   EXPECT_FALSE(update.page().ErrorFlag);
+  EXPECT_EQ(database_.StampOf(bob_), stored);
   EXPECT_EQ(Account(bob_), "bob|secret|BB|2|4+9+1+0+1|False|1");
+}
+
+TEST_F(UserOptionsScreen, ATypedPasswordIsStoredHashedAndEndsTheLinksSignedBefore) {
+  const std::string old_link = InLink(bob_);
+  Fields form = BobsFormAsDrawn(true);
+  for (auto& [name, value] : form) {
+    if (name == "password" || name == "confirm") value = "changed";
+  }
+  SiteVisit update = Screen7(bob_, 2, /*own_defaults=*/true);
+  Post(update, form);
+  const std::string page = update.Show();
+  EXPECT_EQ(Account(bob_), "bob|changed|BB|2|4+9+1+0+1|False|1");
+  // The page that answers the change links with the new signature: the user stays signed in.
+  EXPECT_TRUE(Contains(page, Expected(bob_))) << page;
+  // A link signed before the change opens nothing.
+  SiteVisit after = Visit();
+  after.Link("~0~11/21/2026~14~0~" + old_link + "~~~");
+  after.Show();
+  EXPECT_EQ(after.page().UserKey, "");
+  EXPECT_EQ(after.page().Screen, screens::kLogin);
 }
 
 // --- The post, stored by the account processing in its user form ---
@@ -239,7 +268,9 @@ TEST_F(UserOptionsScreen, UserTextIsEscaped) {
   database_.Execute(statement.c_str());
   const std::string screen = UserOptions(Screen7(bob_, 2, false).Show());
   EXPECT_TRUE(Contains(screen, "&nbsp;<b>b&lt;o&gt;b Options.</b>"));
-  EXPECT_TRUE(Contains(screen, "name=password value=\"a&quot;b\" size=18 >"));
+  // The stored password never reaches the page, escaped or not.
+  EXPECT_FALSE(Contains(screen, "a&quot;b"));
+  EXPECT_FALSE(Contains(screen, "a\"b"));
   EXPECT_FALSE(Contains(screen, "b<o>b"));
 }
 

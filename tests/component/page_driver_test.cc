@@ -35,7 +35,7 @@ class PageDriver : public ::testing::Test {
     return visit_.component.page();
   }
   // Bob's key as a link carries it: signed, so that the screen of the link stands.
-  std::string BobInLink() const { return SignKey(kSigning, bob_); }
+  std::string BobInLink() const { return SignKey(kSigning, bob_, database_.StampOf(bob_)); }
 
   const LinkSigning kSigning{"test secret", 3600};
   testing::SeededDatabase database_;
@@ -240,7 +240,7 @@ TEST_F(PageDriver, UserBannerStartsAsNonBreakingSpace) {
 TEST_F(PageDriver, DatePickerIsWrittenAloneEvenForViewSource) {
   visit_.Start().SetVisible(true);
   visit_.component.SetLinkSigning({"test secret", 3600});
-  std::string key = SignKey({"test secret", 3600}, GenerateOwnerKey());
+  std::string key = SignKey({"test secret", 3600}, GenerateOwnerKey(), "");
   visit_.request.QueryString.Add("WS",
                                  EncodeQueryString("~5/5~11/3/2026~9~0~" + key + "~~~", true));
   std::string html = visit_.component.ViewSource();

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <map>
+#include <mutex>
 #include <string>
 
+#include "accounts/password_hash.h"
 #include "component/link_keys.h"
 #include "data/connection.h"
 #include "data/recordset.h"
@@ -12,7 +15,32 @@
 
 namespace tidewell::testing {
 
-// An account to put in a SeededDatabase.
+// What a test sees of a stored password: the password it is a hash of, among those the tests
+// type, or "not a hash: " and the stored text, or "hash of another password". Each answer is
+// kept, as a verification costs tens of milliseconds.
+inline std::string TypedPassword(const std::string& stored) {
+  static std::mutex mutex;
+  static std::map<std::string, std::string> known;
+  std::lock_guard lock(mutex);
+  if (auto found = known.find(stored); found != known.end()) return found->second;
+  std::string answer = "hash of another password";
+  if (!IsPasswordHash(stored)) {
+    answer = "not a hash: " + stored;
+  } else {
+    for (const char* typed : {"pw", "secret", "new", "changed", "dpw", "kept", "n&w", "tide", "y",
+                              "password", "wrong", ""}) {
+      if (VerifyPassword(stored, typed)) {
+        answer = typed;
+        break;
+      }
+    }
+  }
+  known.emplace(stored, answer);
+  return answer;
+}
+
+// An account to put in a SeededDatabase; its password is stored hashed, as the calendar
+// stores it.
 struct Account {
   std::string key = "";  // "" for a freshly generated one
   std::string name;
@@ -56,7 +84,7 @@ class SeededDatabase {
     rs.AddNew();
     rs.Fields("OwnerKey").SetValue(key);
     rs.Fields("Username").SetValue(account.name);
-    rs.Fields("Password").SetValue(account.password);
+    rs.Fields("Password").SetValue(HashPassword(account.password));
     rs.Fields("Initials").SetValue(account.initials);
     rs.Fields("DefaultView").SetValue(account.default_view);
     rs.Fields("Options").SetValue(account.options);
@@ -64,6 +92,15 @@ class SeededDatabase {
     rs.Fields("Administrator").SetValue(account.administrator);
     rs.Update();
     return key;
+  }
+
+  // What links for the account are signed over: its stored password hash ("" for no account).
+  std::string StampOf(const std::string& key) const {
+    ado::Connection connection;
+    connection.Open(connection_string_);
+    ado::Recordset rs;
+    rs.Open(ado::Statement("SELECT Password FROM Users WHERE OwnerKey = ").Text(key), connection);
+    return rs.Eof() ? "" : CStrOrBlank(rs.Fields("Password").Value());
   }
 
   // Runs a statement made of fixed text, for a test that changes the data it seeded.

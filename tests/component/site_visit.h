@@ -119,10 +119,12 @@ inline long long UnixSeconds(int year, int month, int day, int hour, int minute,
 }
 
 // A key signed as links must carry it: key "." expiry "." the first 32 hex digits of
-// HMAC-SHA256(secret, key "." expiry), worked out here on its own.
+// HMAC-SHA256(secret, key "." expiry "\n" stamp), worked out here on its own. The stamp is the
+// account's stored password hash.
 inline std::string ExpectedSignedKey(const std::string& secret, const std::string& key,
-                                     long long expiry) {
-  std::string message = key + "." + std::to_string(expiry);
+                                     long long expiry, const std::string& stamp) {
+  std::string signed_part = key + "." + std::to_string(expiry);
+  std::string message = signed_part + "\n" + stamp;
   unsigned char digest[EVP_MAX_MD_SIZE];
   unsigned int length = 0;
   HMAC(EVP_sha256(), secret.data(), static_cast<int>(secret.size()),
@@ -133,7 +135,24 @@ inline std::string ExpectedSignedKey(const std::string& secret, const std::strin
     mac += kDigits[digest[i] >> 4];
     mac += kDigits[digest[i] & 0xF];
   }
-  return message + "." + mac;
+  return signed_part + "." + mac;
+}
+
+// What the password fields show for an account whose stored hash is `stored`: the first 15
+// hex digits of HMAC-SHA256(secret, "password stand-in\n" stored), worked out here on its own.
+inline std::string ExpectedStandIn(const std::string& secret, const std::string& stored) {
+  std::string message = "password stand-in\n" + stored;
+  unsigned char digest[EVP_MAX_MD_SIZE];
+  unsigned int length = 0;
+  HMAC(EVP_sha256(), secret.data(), static_cast<int>(secret.size()),
+       reinterpret_cast<const unsigned char*>(message.data()), message.size(), digest, &length);
+  static constexpr char kDigits[] = "0123456789abcdef";
+  std::string hex;
+  for (unsigned int i = 0; i < length; ++i) {
+    hex += kDigits[digest[i] >> 4];
+    hex += kDigits[digest[i] & 0xF];
+  }
+  return hex.substr(0, 15);
 }
 
 // Requests against a seeded database on Saturday 21 November 2026, 2:05 PM, with links signed
@@ -167,12 +186,20 @@ class SiteTest : public ::testing::Test {
   }
 
   // A key as a link from this server carries it.
-  std::string InLink(const std::string& key) const { return SignKey(signing_, key); }
+  std::string InLink(const std::string& key) const {
+    return SignKey(signing_, key, database_.StampOf(key));
+  }
   // The signed form the pages drawn now must write for `key`.
-  static std::string Expected(const std::string& key) {
-    return key.empty()
-               ? ""
-               : ExpectedSignedKey(kSecret, key, UnixSeconds(2026, 11, 21, 14, 5, 0) + kLifetime);
+  std::string Expected(const std::string& key) const {
+    return key.empty() ? ""
+                       : ExpectedSignedKey(kSecret, key,
+                                           UnixSeconds(2026, 11, 21, 14, 5, 0) + kLifetime,
+                                           database_.StampOf(key));
+  }
+
+  // The stand-in the password fields show for the account.
+  std::string StandInOf(const std::string& key) const {
+    return ExpectedStandIn(kSecret, database_.StampOf(key));
   }
 
   SeededDatabase database_;

@@ -41,7 +41,8 @@ class Schema : public ::testing::Test {
       // Without the indexes that keys and unique rules bring along.
       rs.Open(Statement(
                   "SELECT indexname AS name FROM pg_indexes WHERE tablename IN ('groups', 'users', "
-                  "'items') AND indexname NOT IN (SELECT conname FROM pg_constraint)"),
+                  "'items', 'tidewellsettings', 'loginfailures') "
+                  "AND indexname NOT IN (SELECT conname FROM pg_constraint)"),
               connection_);
     }
     std::set<std::string> names;
@@ -65,9 +66,75 @@ TYPED_TEST(Schema, CreatesTheThreeTables) {
     EXPECT_TRUE(this->connection_.TableExists(table)) << table;
 }
 
-TYPED_TEST(Schema, IndexesServeTheItemListsAndTheLogin) {
-  EXPECT_EQ(this->IndexNames(), (std::set<std::string>{"items_datestamp_ownerkey", "items_ownerkey",
-                                                       "users_username", "users_groupid"}));
+TYPED_TEST(Schema, CreatesTheSitesOwnTablesWithTheAccountsLockRow) {
+  for (const char* table : {"TidewellSettings", "LoginFailures"})
+    EXPECT_TRUE(this->connection_.TableExists(table)) << table;
+  Recordset rs;
+  rs.Open(Statement("SELECT Name FROM TidewellSettings"), this->connection_);
+  ASSERT_FALSE(rs.Eof());
+  EXPECT_EQ(rs.Fields("Name").Value().AsString(), "AccountsLock");
+}
+
+TYPED_TEST(Schema, IndexesServeTheItemListsTheLoginAndTheThrottle) {
+  EXPECT_EQ(this->IndexNames(),
+            (std::set<std::string>{"items_datestamp_ownerkey", "items_ownerkey",
+                                   "users_username_unique", "users_groupid",
+                                   "loginfailures_subject", "loginfailures_failedat"}));
+}
+
+TYPED_TEST(Schema, UserNamesAreUniqueWithoutRegardToCase) {
+  this->connection_.Execute(
+      Statement("INSERT INTO Users (OwnerKey, Username) VALUES ('k1', 'Bob')"));
+  for (const char* name : {"Bob", "bob", "BOB"}) {
+    try {
+      this->connection_.Execute(
+          Statement("INSERT INTO Users (OwnerKey, Username) VALUES ('k2', ").Text(name).Add(")"));
+      ADD_FAILURE() << name << " was stored beside Bob";
+    } catch (const ado::DatabaseError& error) {
+      EXPECT_EQ(error.number(), ado::error_numbers::kIntegrityViolation) << error.what();
+    }
+  }
+  this->connection_.Execute(
+      Statement("INSERT INTO Users (OwnerKey, Username) VALUES ('k3', 'Bobby')"));
+}
+
+// A database an earlier version made: the three tables with a plain index on the names.
+TYPED_TEST(Schema, UpgradeBringsAnEarlierDatabaseUpToDateAndThenChangesNothing) {
+  for (const char* statement :
+       {"DROP TABLE TidewellSettings", "DROP TABLE LoginFailures",
+        "DROP INDEX Users_Username_Unique", "CREATE INDEX Users_Username ON Users (Username)",
+        "INSERT INTO Users (OwnerKey, Username) VALUES ('k1', 'Bob')"}) {
+    this->connection_.Execute(Statement(statement));
+  }
+  this->connection_.Close();
+  UpgradeSchema(this->engine_.connection_string);
+  UpgradeSchema(this->engine_.connection_string);
+  this->connection_.Open(this->engine_.connection_string);
+  EXPECT_TRUE(this->connection_.TableExists("TidewellSettings"));
+  EXPECT_TRUE(this->connection_.TableExists("LoginFailures"));
+  EXPECT_EQ(this->IndexNames(),
+            (std::set<std::string>{"items_datestamp_ownerkey", "items_ownerkey",
+                                   "users_username_unique", "users_groupid",
+                                   "loginfailures_subject", "loginfailures_failedat"}));
+  Recordset rs;
+  rs.Open(Statement("SELECT Name FROM TidewellSettings"), this->connection_);
+  EXPECT_EQ(rs.RecordCount(), 1);
+  Recordset users;
+  users.Open(Statement("SELECT Username FROM Users"), this->connection_);
+  EXPECT_EQ(users.RecordCount(), 1);
+}
+
+TYPED_TEST(Schema, UpgradeRefusesTwoAccountsOfOneNameAndChangesNothing) {
+  for (const char* statement :
+       {"DROP TABLE LoginFailures", "DROP INDEX Users_Username_Unique",
+        "INSERT INTO Users (OwnerKey, Username) VALUES ('k1', 'Bob')",
+        "INSERT INTO Users (OwnerKey, Username) VALUES ('k2', 'bob')"}) {
+    this->connection_.Execute(Statement(statement));
+  }
+  this->connection_.Close();
+  EXPECT_THROW(UpgradeSchema(this->engine_.connection_string), SchemaError);
+  this->connection_.Open(this->engine_.connection_string);
+  EXPECT_FALSE(this->connection_.TableExists("LoginFailures"));
 }
 
 TYPED_TEST(Schema, RefusesWhenTheTablesExistAndChangesNothing) {
@@ -113,6 +180,22 @@ TEST(PrepareEmbeddedDatabase, CreatesAMissingFileWithTheTables) {
   ado::Connection connection;
   connection.Open(connection_string);
   EXPECT_TRUE(connection.TableExists("Items"));
+}
+
+TEST(PrepareEmbeddedDatabase, TheFileAndItsCompanionsAreTheOwnersAlone) {
+  testing::TempFolder folder;
+  std::string path = folder.path() + "/tidewell.db";
+  ASSERT_EQ(PrepareEmbeddedDatabase("Provider=SQLite;Data Source=" + path).outcome,
+            Outcome::kCreated);
+  // The write-ahead log and the shared memory exist while a connection is open.
+  ado::Connection connection;
+  connection.Open("Provider=SQLite;Data Source=" + path);
+  connection.Execute(Statement("INSERT INTO Groups (GroupName) VALUES ('Crew')"));
+  for (const std::string& file : {path, path + "-wal", path + "-shm"}) {
+    struct stat info;
+    ASSERT_EQ(::stat(file.c_str(), &info), 0) << file;
+    EXPECT_EQ(info.st_mode & 0077, 0u) << file;
+  }
 }
 
 TEST(PrepareEmbeddedDatabase, UsesAnExistingFileAsItIs) {

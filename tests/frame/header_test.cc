@@ -35,7 +35,7 @@ class HeaderMarkup : public SiteTest {
     return page_.PageBuffer;
   }
   // The golden with the keys the links must carry.
-  static ::testing::AssertionResult Matches(const std::string& actual, const std::string& name,
+  ::testing::AssertionResult Matches(const std::string& actual, const std::string& name,
                                             bool with_administrator = true) {
     return MatchesGolden(
         actual, name,

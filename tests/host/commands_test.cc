@@ -31,7 +31,9 @@ TEST(InitDb, CreatesTheTablesOnceAndThenRefuses) {
   std::string connection = "--connection 'Provider=SQLite;Data Source=" + db + "'";
   CommandRun first = RunTidewell("init-db " + connection);
   EXPECT_EQ(first.status, 0) << first.output;
-  EXPECT_EQ(first.output, "tidewell init-db: created the tables Groups, Users and Items\n");
+  EXPECT_EQ(first.output,
+            "tidewell init-db: created the tables Groups, Users and Items, and the site's own "
+            "TidewellSettings (with a new link secret) and LoginFailures\n");
   CommandRun second = RunTidewell("init-db " + connection);
   EXPECT_EQ(second.status, 1);
   EXPECT_NE(second.output.find("Nothing was changed."), std::string::npos) << second.output;

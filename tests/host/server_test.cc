@@ -143,7 +143,7 @@ TEST(ServerStart, BadConfigurationStopsWithTheLine) {
 }
 
 // A fresh site: the configured SQLite file and the link secret beside it are made on start.
-TEST(ServerStart, CreatesTheEmbeddedDatabaseAndKeepsASecretBesideIt) {
+TEST(ServerStart, CreatesTheEmbeddedDatabaseReadableByItsOwnerOnly) {
   std::filesystem::path folder =
       std::filesystem::path(::testing::TempDir()) / ("tidewell_fresh_" + std::to_string(getpid()));
   std::filesystem::create_directories(folder);
@@ -155,13 +155,19 @@ TEST(ServerStart, CreatesTheEmbeddedDatabaseAndKeepsASecretBesideIt) {
                                   {"serve", "--config", config, "--listen", "127.0.0.1:0"});
     ASSERT_NE(server.WaitForPort(), 0) << server.Log();
     EXPECT_TRUE(std::filesystem::exists(folder / "cal.db"));
-    EXPECT_TRUE(std::filesystem::exists(folder / "tidewell-link.secret"));
-    auto perms = std::filesystem::status(folder / "tidewell-link.secret").permissions();
-    EXPECT_EQ(perms & std::filesystem::perms::others_read, std::filesystem::perms::none);
+    // The link secret is kept in the database, which holds the password hashes too.
+    EXPECT_FALSE(std::filesystem::exists(folder / "tidewell-link.secret"));
     httplib::Client client("127.0.0.1", server.WaitForPort());
     auto res = client.Get("/");
     ASSERT_TRUE(res);
     EXPECT_EQ(res->body.find("ErrorScreen"), std::string::npos);
+    for (const char* file : {"cal.db", "cal.db-wal", "cal.db-shm"}) {
+      ASSERT_TRUE(std::filesystem::exists(folder / file)) << file;
+      auto perms = std::filesystem::status(folder / file).permissions();
+      EXPECT_EQ(perms & (std::filesystem::perms::group_all | std::filesystem::perms::others_all),
+                std::filesystem::perms::none)
+          << file;
+    }
   }
   std::filesystem::remove_all(folder);
 }

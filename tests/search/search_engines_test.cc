@@ -5,6 +5,7 @@
 
 #include <memory>
 
+#include "accounts/password_hash.h"
 #include "component/asp_objects.h"
 #include "component/page.h"
 #include "data/recordset.h"
@@ -70,7 +71,7 @@ class SearchOnEngine : public ::testing::Test {
     rs.AddNew();
     rs.Fields("OwnerKey").SetValue(key);
     rs.Fields("Username").SetValue(name);
-    rs.Fields("Password").SetValue("pw");
+    rs.Fields("Password").SetValue(HashPassword("pw"));
     rs.Fields("Initials").SetValue("XX");
     rs.Fields("Options").SetValue("0+8+0+0+0");
     rs.Fields("GroupID").SetValue(group);

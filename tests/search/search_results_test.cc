@@ -175,6 +175,8 @@ TEST_F(SearchResultsTest, SameTrimmedNameInTwoGroupsInARowGetsOneHeading) {
 }
 
 TEST_F(SearchResultsTest, SameNameSeparatedByAnotherUserGetsAHeadingEachTime) {
+  // Names are unique now; a database from before the unique index may still hold two alike.
+  database_.Execute("DROP INDEX Users_Username_Unique");
   const std::string zed_crew = database_.AddUser({.name = "zed", .password = "pw", .group = crew_});
   const std::string zed_deck = database_.AddUser({.name = "zed", .password = "pw", .group = deck_});
   AddNovemberItem(zed_crew.c_str(), 3, "Harbour crew zed");

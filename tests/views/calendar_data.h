@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "accounts/password_hash.h"
 #include "component/link_keys.h"
 #include "data/connection.h"
 #include "data/recordset.h"
@@ -53,7 +54,7 @@ class CalendarData {
     rs.AddNew();
     rs.Fields("OwnerKey").SetValue(key);
     rs.Fields("Username").SetValue(name);
-    rs.Fields("Password").SetValue("pw");
+    rs.Fields("Password").SetValue(HashOfPw());
     rs.Fields("Initials").SetValue(initials);
     rs.Fields("DefaultView").SetValue(0);
     rs.Fields("Options").SetValue(options);
@@ -61,6 +62,22 @@ class CalendarData {
     rs.Fields("Administrator").SetValue(administrator);
     rs.Update();
     return key;
+  }
+
+  // What links for the account are signed over: its stored password hash ("" for no account).
+  std::string StampOf(const std::string& key) const {
+    ado::Connection connection;
+    connection.Open(connection_string_);
+    ado::Recordset rs;
+    rs.Open(ado::Statement("SELECT Password FROM Users WHERE OwnerKey = ").Text(key), connection);
+    return rs.Eof() ? "" : CStrOrBlank(rs.Fields("Password").Value());
+  }
+
+  // Every account here has the password "pw", hashed once per process: a hash costs tens of
+  // milliseconds, and the busy month has many accounts.
+  static const std::string& HashOfPw() {
+    static const std::string hash = HashPassword("pw");
+    return hash;
   }
 
   // Adds the item and answers its ItemID.

@@ -1,0 +1,76 @@
+#include "accounts/key_check.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "component/link_keys.h"
+#include "component/page.h"
+#include "data/open_database.h"
+#include "data/recordset.h"
+#include "data/statement.h"
+#include "runtime/conversions.h"
+
+namespace tidewell {
+namespace {
+
+ado::Statement StampStatement(std::string_view key) {
+  return ado::Statement("SELECT Password FROM Users WHERE OwnerKey = ").Text(key);
+}
+
+// The account's stamp (its stored password hash), or nothing when no account has the key.
+std::optional<std::string> ReadStamp(Page& page, std::string_view key) {
+  ado::Recordset rs;
+  rs.Open(StampStatement(key), *page.Connection);
+  if (rs.Eof()) return std::nullopt;
+  return CStrOrBlank(rs.Fields("Password").Value());
+}
+
+// Whether the key the link carried is the one this site signed for the account as it is now.
+bool Confirmed(Page& page, const SignedKey& key) {
+  const std::string* known = page.Stamps.Find(key.key);  // an administrator on his own calendar
+  std::optional<std::string> stamp = known ? std::optional(*known) : ReadStamp(page, key.key);
+  if (!stamp || !MacMatches(page.signing, key, *stamp)) return false;
+  page.Stamps.Set(key.key, std::move(*stamp));
+  return true;
+}
+
+void SettleStamp(Page& page, const std::string& key) {
+  if (key.empty() || page.Stamps.Find(key)) return;
+  if (std::optional<std::string> stamp = ReadStamp(page, key)) page.Stamps.Set(key, *stamp);
+}
+
+}  // namespace
+
+void RejectUserKey(Page& page) {
+  page.UserKey.clear();
+  page.UserKeyInLink.reset();
+  if (page.RequestValue("welcome") != "y") page.Screen = screens::kLogin;
+}
+
+void RejectAdminKey(Page& page) {
+  page.AdminKeyRejected = true;
+  page.AdminKey.clear();
+  page.AdminKeyInLink.reset();
+}
+
+void ConfirmLinkKeys(Page& page) {
+  try {
+    if (page.UserKeyInLink && !Confirmed(page, *page.UserKeyInLink)) RejectUserKey(page);
+    if (page.AdminKeyInLink && !Confirmed(page, *page.AdminKeyInLink)) RejectAdminKey(page);
+  } catch (const ado::DatabaseError& error) {
+    TrapDatabaseError(page, error);
+  }
+}
+
+void SettleKeyStamps(Page& page) {
+  if (!page.Connection || page.Connection->State() != ado::adStateOpen) return;
+  try {
+    SettleStamp(page, page.UserKey);
+    SettleStamp(page, page.AdminKey);
+  } catch (const ado::DatabaseError&) {
+    // The links then carry keys no account confirms: the worst is a sign-in more.
+  }
+}
+
+}  // namespace tidewell
