@@ -27,8 +27,8 @@ constexpr const char* kInvalidLogin =
     "invalid.</b></font><br><br>";
 
 Statement LoginStatement(std::string_view name) {
-  return Statement(
-             "SELECT OwnerKey, Password, DefaultView, Initials, Options FROM Users WHERE Username = ")
+  return Statement("SELECT OwnerKey, Password, DefaultView, Initials, Options FROM Users "
+                   "WHERE Username = ")
       .Text(name);
 }
 

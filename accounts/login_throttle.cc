@@ -79,8 +79,8 @@ LoginAttempt AdmitLoginAttempt(Page& page, std::string_view user_name) {
   const std::string address =
       page.request ? page.request->ServerVariables("REMOTE_ADDR") : std::string();
   if (!address.empty()) {
-    within = WriteAndCount(page, attempt, "address:" + address, kAddressFailureLimit, now) &&
-             within;
+    within =
+        WriteAndCount(page, attempt, "address:" + address, kAddressFailureLimit, now) && within;
   }
   if (!within) {
     ForgetLoginAttempt(page, attempt);

@@ -139,7 +139,8 @@ const std::vector<ado::Statement>& Additions() {
       ado::Statement("CREATE UNIQUE INDEX IF NOT EXISTS Users_Username_Unique ON Users (Username)"),
       ado::Statement("CREATE INDEX IF NOT EXISTS LoginFailures_Subject "
                      "ON LoginFailures (Subject, FailedAt)"),
-      ado::Statement("CREATE INDEX IF NOT EXISTS LoginFailures_FailedAt ON LoginFailures (FailedAt)"),
+      ado::Statement("CREATE INDEX IF NOT EXISTS LoginFailures_FailedAt "
+                     "ON LoginFailures (FailedAt)"),
       ado::Statement("INSERT INTO TidewellSettings (Name, Value) VALUES ('AccountsLock', '') "
                      "ON CONFLICT DO NOTHING"),
   };

@@ -11,8 +11,8 @@ class SchemaError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-// Creates the calendar's three tables and the site's own on the database the connection string names (SQLite or
-// PostgreSQL), in one transaction:
+// Creates the calendar's three tables and the site's own on the database the connection string
+// names (SQLite or PostgreSQL), in one transaction:
 //   Groups (GroupID generated key, GroupName unique without regard to case)
 //   Users  (OwnerKey key, Username, Password, Initials, DefaultView, Options,
 //           Administrator flag defaulting to false, GroupID)

@@ -231,7 +231,8 @@ TEST_F(AdministratorOptionsScreen, UserTextIsEscaped) {
   EXPECT_TRUE(Contains(screen, "name=username value=\"&lt;b&gt;eve\" size=18 >"));
   EXPECT_TRUE(Contains(screen, "name=initials value=\"&lt;i&gt;\" size=18 >"));
   // The password was stored hashed: the form shows its stand-in, never the password.
-  EXPECT_TRUE(Contains(screen, "name=password value=\"" + StandInOf(KeyOf("<b>eve")) + "\" size=18 >"));
+  const std::string stand_in = StandInOf(KeyOf("<b>eve"));
+  EXPECT_TRUE(Contains(screen, "name=password value=\"" + stand_in + "\" size=18 >"));
   EXPECT_FALSE(Contains(screen, "a&quot;b"));
   EXPECT_TRUE(Contains(screen, "name=newgroup value=\"&quot;x&quot;\" size=15 >"));
   EXPECT_FALSE(Contains(screen, "<b>eve"));

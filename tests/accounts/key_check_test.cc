@@ -75,7 +75,8 @@ TEST_F(KeyCheck, AnExpiredKeyShowsTheLoginScreen) {
 }
 
 TEST_F(KeyCheck, AKeySignedWithAnotherSecretShowsTheLoginScreen) {
-  std::string token = SignKey({"another server's secret", kLifetime}, bob_, database_.StampOf(bob_));
+  std::string token =
+      SignKey({"another server's secret", kLifetime}, bob_, database_.StampOf(bob_));
   SiteVisit visit = Visit();
   ExpectLoginScreen(Open(visit, token));
 }

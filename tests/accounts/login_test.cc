@@ -222,6 +222,67 @@ TEST_F(Login, AutoLoginWinsOverAPostedForm) {
   EXPECT_EQ(visit.page().UserKey, bob);
 }
 
+// --- Throttling ---
+
+TEST_F(Login, AfterFiveFailuresInAMinuteEvenTheRightPasswordIsRefusedUntilTheMinutePasses) {
+  AddAdministrator();
+  std::string bob = AddUser("bob", "secret");
+  for (int i = 0; i < 5; ++i) {
+    SiteVisit wrong = PostLogin("bob", "guess");
+    wrong.Show();
+    EXPECT_EQ(wrong.page().ErrorText, kInvalidLogin);
+  }
+  SiteVisit refused = PostLogin("BOB", "secret");
+  refused.Show();
+  EXPECT_EQ(refused.page().UserKey, "");
+  EXPECT_EQ(refused.page().ErrorKind, "LA");
+  EXPECT_EQ(refused.page().ErrorText, kInvalidLogin);
+
+  // Sixty seconds after the first failure it no longer counts, and the right password works.
+  SetFixedNow(Combine(DateSerial(2026, 11, 21), TimeSerial(14, 6, 1)));
+  SiteVisit admitted = PostLogin("bob", "secret");
+  admitted.Show();
+  EXPECT_EQ(admitted.page().UserKey, bob);
+  EXPECT_FALSE(admitted.page().ErrorFlag);
+}
+
+TEST_F(Login, AnAddressThatFailsTwentyTimesInAMinuteIsRefusedForEveryName) {
+  AddAdministrator();
+  std::string bob = AddUser("bob", "secret");
+  for (int i = 0; i < 20; ++i) {
+    PostLogin("name" + std::to_string(i), "guess").From("192.0.2.7").Show();
+  }
+  SiteVisit refused = PostLogin("bob", "secret");
+  refused.From("192.0.2.7").Show();
+  EXPECT_EQ(refused.page().UserKey, "");
+  EXPECT_EQ(refused.page().ErrorText, kInvalidLogin);
+  // Another address is not held back by them.
+  SiteVisit elsewhere = PostLogin("bob", "secret");
+  elsewhere.From("192.0.2.8").Show();
+  EXPECT_EQ(elsewhere.page().UserKey, bob);
+}
+
+TEST_F(Login, ASuccessLeavesNoFailureBehind) {
+  AddAdministrator();
+  std::string bob = AddUser("bob", "secret");
+  for (int round = 0; round < 8; ++round) {
+    SiteVisit visit = PostLogin("bob", "secret");
+    visit.Show();
+    EXPECT_EQ(visit.page().UserKey, bob) << round;
+  }
+}
+
+TEST_F(Login, AutoLoginIsNotThrottled) {
+  // The site's own configuration signs in on every request of its page.
+  AddAdministrator();
+  std::string bob = AddUser("bob", "secret");
+  for (int i = 0; i < 5; ++i) PostLogin("bob", "guess").Show();
+  SiteVisit visit = Visit();
+  visit.Configure([](ASPTidewell& c) { c.AutoLogin("bob", "secret", false); });
+  visit.Show();
+  EXPECT_EQ(visit.page().UserKey, bob);
+}
+
 // --- Login or welcome ---
 
 TEST_F(Login, WithoutAnAdministratorARequestWithoutKeyShowsTheWelcomeScreen) {

@@ -38,6 +38,11 @@ class SiteVisit {
     visit_.Agent(std::move(agent));
     return *this;
   }
+  // The client's address, as the server variable REMOTE_ADDR carries it.
+  SiteVisit& From(std::string address) {
+    visit_.request.ServerVariables.Add("REMOTE_ADDR", std::move(address));
+    return *this;
+  }
   SiteVisit& Post(std::string name, std::string value) {
     visit_.request.Form.Add(std::move(name), std::move(value));
     return *this;
