@@ -83,13 +83,16 @@ std::string UserOrGroupOptions(Page& page, std::string_view list_name) {
 
 std::string SearchOwnerOptions(Page& page, long group_id) {
   const std::string posted = page.FormValue("ownerkey");
+  // The two "all" entries are fixed texts: the administrator's is never marked selected and
+  // the whole-group user's always is, whatever the form posted. Only the group and user rows
+  // follow the posted owner, so a whole-group user who posted a member's key gets two
+  // selected entries; a browser shows the later one.
   if (!page.AdminKey.empty()) {
-    return TextOption("all", "- Search All Users -", posted == "all") +
+    return "<option class=text value=all >- Search All Users -</option>" +
            SearchGroupOptions(page, posted) + UserOptions(page, AllUsersStatement(), posted);
   }
   if (page.User.ShowAllGroupUsers && group_id != 0) {
-    const bool everyone = posted.empty() || posted == "all";
-    return TextOption("all", "- Search All Group Users -", everyone) +
+    return "<option selected class=text value=all >- Search All Group Users -</option>" +
            UserOptions(page, GroupUsersStatement(group_id), posted);
   }
   return UserOptions(page, OneUserStatement(page.UserKey), posted);

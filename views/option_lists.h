@@ -25,12 +25,13 @@ std::string ItemOwnerOptions(Page& page);
 // belongs to). Any other name has no entries.
 std::string UserOrGroupOptions(Page& page, std::string_view list_name);
 
-// Mode 15, the search form's owners; the entry whose value the form posted as "ownerkey" is
-// preselected.
-//   administrator:       "- Search All Users -", "- Search Group <name> -" for every group,
-//                        then every user;
-//   whole-group user:    "- Search All Group Users -" (preselected unless the form posted
-//                        another owner), then the users of his group (`group_id`);
+// Mode 15, the search form's owners; the group or user entry whose value the form posted as
+// "ownerkey" is preselected.
+//   administrator:       "- Search All Users -" (never marked selected, even when the form
+//                        posted "all"), "- Search Group <name> -" for every group, then every
+//                        user;
+//   whole-group user:    "- Search All Group Users -" (always marked selected, even when the
+//                        form posted a member's key), then the users of his group (`group_id`);
 //   anyone else:         himself.
 std::string SearchOwnerOptions(Page& page, long group_id);
 

@@ -125,6 +125,12 @@ TEST_F(SearchOverHttp, ThreeSearchersSeeWhatTheyMaySee) {
             (Strings{"Tide table ann", "Tide table bob", "Tide table carol", "Tide table dave"}));
   EXPECT_EQ(UserHeadings(ann_found),
             (Strings{"Crew - ann", "Crew - bob", "Crew - carol", "Deck - dave"}));
+  // After posting "all" the administrator's "all" entry is still not marked selected.
+  EXPECT_NE(ann_found.find("<select class=text name=ownerkey>"
+                           "<option class=text value=all >- Search All Users -</option>"),
+            std::string::npos)
+      << ann_found;
+  EXPECT_EQ(ann_found.find("<option selected"), std::string::npos);
 
   // bob sees his group: offered it and its members, finds its items.
   std::string bob_screen = SearchScreenOf("bob");
@@ -136,7 +142,15 @@ TEST_F(SearchOverHttp, ThreeSearchersSeeWhatTheyMaySee) {
   EXPECT_EQ(bob_screen.find("Search Group"), std::string::npos);
   EXPECT_EQ(FoundHeadings(SearchFrom(bob_screen, "all")),
             (Strings{"Tide table ann", "Tide table bob", "Tide table carol"}));
-  EXPECT_EQ(FoundHeadings(SearchFrom(bob_screen, carol_)), (Strings{"Tide table carol"}));
+  std::string bob_found = SearchFrom(bob_screen, carol_);
+  EXPECT_EQ(FoundHeadings(bob_found), (Strings{"Tide table carol"}));
+  // His "all" entry stays marked selected beside the member he posted.
+  EXPECT_NE(bob_found.find("<option selected class=text value=all >- Search All Group Users "
+                           "-</option>"),
+            std::string::npos)
+      << bob_found;
+  EXPECT_NE(bob_found.find("<option selected class=text value=" + carol_ + " >Crew - carol"),
+            std::string::npos);
 
   // dave sees himself only.
   std::string dave_screen = SearchScreenOf("dave");

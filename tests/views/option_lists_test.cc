@@ -143,16 +143,22 @@ TEST_F(OptionLists, AnAdministratorsPostedOwnerStaysPreselected) {
                 SearchGroup(empty_, "Empty") + AllUsers(kDave));
 }
 
-TEST_F(OptionLists, AnAdministratorsPostedGroupOrAllStaysPreselected) {
+TEST_F(OptionLists, AnAdministratorsPostedGroupStaysPreselected) {
   page_.AdminKey = kBob;
   PostOwner(std::to_string(deck_));
-  EXPECT_NE(Options(list_modes::kSearchOwners).find(SearchGroup(deck_, "Deck", true)),
-            std::string::npos);
-  request_ = AspRequest();
+  EXPECT_EQ(Options(list_modes::kSearchOwners),
+            "<option class=text value=all >- Search All Users -</option>" +
+                SearchGroup(crew_, "Crew") + SearchGroup(deck_, "Deck", true) +
+                SearchGroup(empty_, "Empty") + AllUsers(""));
+}
+
+TEST_F(OptionLists, AnAdministratorsAllUsersEntryIsNeverMarkedSelectedEvenWhenPosted) {
+  page_.AdminKey = kBob;
   PostOwner("all");
-  EXPECT_TRUE(Options(list_modes::kSearchOwners)
-                  .starts_with("<option selected class=text value=all >- Search All Users "
-                               "-</option>"));
+  EXPECT_EQ(Options(list_modes::kSearchOwners),
+            "<option class=text value=all >- Search All Users -</option>" +
+                SearchGroup(crew_, "Crew") + SearchGroup(deck_, "Deck") +
+                SearchGroup(empty_, "Empty") + AllUsers(""));
 }
 
 TEST_F(OptionLists, AUserWhoSeesTheWholeGroupSearchesItOrOneOfItsUsers) {
@@ -161,9 +167,13 @@ TEST_F(OptionLists, AUserWhoSeesTheWholeGroupSearchesItOrOneOfItsUsers) {
             "<option selected class=text value=all >- Search All Group Users -</option>" +
                 User(kAnn, "Crew", "ann", true) + User(kBob, "Crew", "bob") +
                 User(kCarol, "Crew", "carol"));
+}
+
+TEST_F(OptionLists, AWholeGroupUsersAllEntryStaysSelectedBesideThePostedMember) {
+  page_.User.ShowAllGroupUsers = true;
   PostOwner(kCarol);
   EXPECT_EQ(Options(list_modes::kSearchOwners),
-            "<option class=text value=all >- Search All Group Users -</option>" +
+            "<option selected class=text value=all >- Search All Group Users -</option>" +
                 User(kAnn, "Crew", "ann", true) + User(kBob, "Crew", "bob") +
                 User(kCarol, "Crew", "carol", false, true));
 }
