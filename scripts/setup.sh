@@ -7,7 +7,7 @@ cd "$(dirname "$0")/.."
 
 packages=(
   build-essential cmake ninja-build pkg-config
-  libcpp-httplib-dev libsqlite3-dev libpq-dev libssl-dev
+  libboost-dev libcpp-httplib-dev libsqlite3-dev libpq-dev libssl-dev
   libgtest-dev libgmock-dev libbenchmark-dev libgoogle-perftools-dev
   postgresql-15 postgresql-contrib
   chromium
