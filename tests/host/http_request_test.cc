@@ -14,7 +14,7 @@ HttpRequest FormPost() {
   http.headers = {{"Host", "cal.example"},
                   {"content-type", "application/x-www-form-urlencoded; charset=UTF-8"},
                   {"User-Agent", "Mozilla/5.0 (X11)"},
-                  {"Cookie", "a=1; b = two"}};
+                  {"Cookie", "a=1; b=two"}};
   http.body = "username=bob&password=p%26w+x";
   http.remote_address = "203.0.113.7";
   return http;

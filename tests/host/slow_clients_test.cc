@@ -163,7 +163,7 @@ TEST_F(SlowClients, IdleAndTricklingConnectionsLeaveTheServerAnswering) {
   std::this_thread::sleep_for(milliseconds(1500));  // every slow client has started
 
   int answered = 0;
-  for (int i = 0; i < 20; ++i) {
+  for (int i = 0; i < 20 && i - answered < 3; ++i) {  // three misses are proof enough
     httplib::Client client("127.0.0.1", port);
     client.set_connection_timeout(5);
     client.set_read_timeout(5);
