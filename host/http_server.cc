@@ -270,13 +270,13 @@ class Session : public std::enable_shared_from_this<Session> {
     bool keep_alive = keep_alive_ && !server_.stopping;
     response->keep_alive(keep_alive);
 
-    LogLine log{request.method, request.path, request.version, std::move(answer.log_screen),
-                answer.status, request.method == "HEAD" ? 0 : bytes};
+    // Logged as the answer leaves, so that the line is there by the time the client has it.
+    LogAnswer({request.method, request.path, request.version, std::move(answer.log_screen),
+               answer.status, request.method == "HEAD" ? 0 : bytes});
     stream_.expires_after(server_.limits.idle_timeout);
     http::async_write(stream_, *response,
-                      [self = shared_from_this(), response, log = std::move(log), keep_alive](
-                          beast::error_code ec, size_t) {
-                        self->LogAnswer(log);
+                      [self = shared_from_this(), response, keep_alive](beast::error_code ec,
+                                                                       size_t) {
                         if (ec) return self->Close();
                         if (self->refused_) return self->LingerThenClose();
                         if (!keep_alive) return self->Close();
