@@ -120,6 +120,19 @@ TEST_F(Server, LogsOneLinePerRequest) {
   EXPECT_NE(log.find("\"GET /elsewhere.asp HTTP/1.1\" 404 11 screen=- "), std::string::npos) << log;
 }
 
+// A path cannot write lines of its own into the log: control characters stay escaped.
+TEST_F(Server, PathsCannotForgeLogLines) {
+  auto res = client_->Get("/x%0A2026-11-21%2009:30:00%20forged%22");
+  ASSERT_TRUE(res);
+  EXPECT_EQ(res->status, 404);
+  server_->Stop(SIGTERM);
+  std::string log = server_->Log();
+  EXPECT_NE(log.find("\"GET /x%0A2026-11-21%2009:30:00%20forged%22 HTTP/1.1\" 404"),
+            std::string::npos)
+      << log;
+  EXPECT_EQ(log.find("\n2026-11-21 09:30:00 forged"), std::string::npos) << log;
+}
+
 TEST_F(Server, HeadAnswersFilesAndPagesWithoutTheBody) {
   for (const char* path : {"/images/nav_line.gif", "/tidewell.css", "/"}) {
     auto get = client_->Get(path);

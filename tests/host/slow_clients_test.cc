@@ -244,6 +244,31 @@ TEST_F(SlowClients, KeptAliveConnectionServesRequestsThenClosesWhenIdle) {
   EXPECT_LT(idle, seconds(4)) << "an idle kept-alive connection was not closed";
 }
 
+// Past MaxConnections a newcomer is closed at once instead of waiting in the backlog; once
+// connections go, newcomers are served again.
+TEST_F(SlowClients, ConnectionsPastTheLimitAreClosedAtOnce) {
+  int port = Start("MaxConnections = 20\n");
+  ASSERT_NE(port, 0) << server_->Log();
+  std::vector<int> held;
+  for (int i = 0; i < 20; ++i) held.push_back(Open(port));
+  std::this_thread::sleep_for(milliseconds(300));  // all twenty accepted
+  for (int fd : held) EXPECT_FALSE(ClosedByServer(fd));
+  int newcomer = Open(port);
+  ASSERT_GE(newcomer, 0);
+  Clock::time_point start = Clock::now();
+  while (!ClosedByServer(newcomer) && Clock::now() - start < seconds(3)) {
+    std::this_thread::sleep_for(milliseconds(20));
+  }
+  EXPECT_LT(Clock::now() - start, seconds(3)) << "the connection past the limit was kept";
+  EXPECT_NE(server_->Log().find("20 connections open, refusing more"), std::string::npos);
+
+  for (int fd : held) shutdown(fd, SHUT_RDWR);
+  std::this_thread::sleep_for(milliseconds(300));
+  auto res = httplib::Client("127.0.0.1", port).Get("/tidewell.css");
+  ASSERT_TRUE(res);
+  EXPECT_EQ(res->status, 200);
+}
+
 TEST_F(SlowClients, OversizedHeadersAreRefusedWith431) {
   int port = Start();
   ASSERT_NE(port, 0) << server_->Log();
