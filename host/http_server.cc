@@ -10,6 +10,7 @@
 #include <boost/asio/signal_set.hpp>
 #include <boost/asio/steady_timer.hpp>
 #include <boost/asio/strand.hpp>
+#include <boost/asio/write.hpp>
 #include <boost/asio/thread_pool.hpp>
 #include <boost/beast/core.hpp>
 #include <boost/beast/http.hpp>
@@ -190,6 +191,26 @@ class Session : public std::enable_shared_from_this<Session> {
     parser_->header_limit(static_cast<uint32_t>(server_.limits.header_limit));
     parser_->body_limit(server_.limits.body_limit);
     stream_.expires_after(server_.limits.request_timeout);
+    http::async_read_header(stream_, buffer_, *parser_,
+                            [self = shared_from_this()](beast::error_code ec, size_t) {
+                              self->OnHeader(ec);
+                            });
+  }
+
+  // A client that asked to hear "100 Continue" before sending its body hears it now that the
+  // header has passed the limits. The request's deadline keeps running.
+  void OnHeader(beast::error_code ec) {
+    if (ec || parser_->is_done()) return OnRequest(ec);
+    if (!beast::iequals(parser_->get()[http::field::expect], "100-continue")) return ReadBody();
+    static constexpr std::string_view kContinue = "HTTP/1.1 100 Continue\r\n\r\n";
+    asio::async_write(stream_, asio::buffer(kContinue.data(), kContinue.size()),
+                      [self = shared_from_this()](beast::error_code ec, size_t) {
+                        if (ec) return self->Close();
+                        self->ReadBody();
+                      });
+  }
+
+  void ReadBody() {
     http::async_read(stream_, buffer_, *parser_,
                      [self = shared_from_this()](beast::error_code ec, size_t) {
                        self->OnRequest(ec);

@@ -181,8 +181,8 @@ TEST_F(SlowClients, IdleAndTricklingConnectionsLeaveTheServerAnswering) {
 }
 
 // A client that sends a header byte every second is still closed when the request deadline
-// (10 s by default) passes; so is one that sends nothing at all. Neither is kept on by the
-// bytes it sends or by anything else.
+// (10 s by default) passes; so are one that trickles its body and one that sends nothing at
+// all. None is kept on by the bytes it sends.
 TEST_F(SlowClients, TricklingAndSilentConnectionsAreClosedAtTheRequestDeadline) {
   int port = Start();
   ASSERT_NE(port, 0) << server_->Log();
@@ -192,21 +192,38 @@ TEST_F(SlowClients, TricklingAndSilentConnectionsAreClosedAtTheRequestDeadline) 
   ASSERT_GE(trickler, 0);
   ASSERT_GE(silent, 0);
 
-  size_t sent = 0;
-  std::optional<Clock::duration> trickler_closed, silent_closed;
+  // A third sends its header whole and then trickles its body.
+  int body_trickler = Open(port);
+  ASSERT_GE(body_trickler, 0);
+  pollfd writable{body_trickler, POLLOUT, 0};
+  ASSERT_EQ(poll(&writable, 1, 5000), 1);
+  const std::string head = "POST / HTTP/1.1\r\nHost: 127.0.0.1\r\nContent-Length: 100\r\n"
+                           "Content-Type: application/x-www-form-urlencoded\r\n\r\n";
+  ASSERT_EQ(send(body_trickler, head.data(), head.size(), MSG_NOSIGNAL),
+            static_cast<ssize_t>(head.size()));
+
+  size_t sent = 0, body_sent = 0;
+  std::optional<Clock::duration> trickler_closed, silent_closed, body_trickler_closed;
   Clock::time_point next_byte = start;
-  while (Clock::now() - start < seconds(14) && !(trickler_closed && silent_closed)) {
+  while (Clock::now() - start < seconds(14) &&
+         !(trickler_closed && silent_closed && body_trickler_closed)) {
     Clock::time_point now = Clock::now();
-    if (!trickler_closed && now >= next_byte) {
-      SendNextByte(trickler, sent);
+    if (now >= next_byte) {
+      if (!trickler_closed) SendNextByte(trickler, sent);
+      if (!body_trickler_closed && send(body_trickler, "a", 1, MSG_NOSIGNAL) == 1) ++body_sent;
       next_byte = now + seconds(1);
     }
     if (!trickler_closed && ClosedByServer(trickler)) trickler_closed = now - start;
     if (!silent_closed && ClosedByServer(silent)) silent_closed = now - start;
+    if (!body_trickler_closed && ClosedByServer(body_trickler)) body_trickler_closed = now - start;
     std::this_thread::sleep_for(milliseconds(20));
   }
   ASSERT_TRUE(trickler_closed) << "a trickling client was still open after 14 s";
   ASSERT_TRUE(silent_closed) << "a silent client was still open after 14 s";
+  ASSERT_TRUE(body_trickler_closed) << "a client trickling its body was still open after 14 s";
+  EXPECT_GE(*body_trickler_closed, milliseconds(9500));
+  EXPECT_LE(*body_trickler_closed, seconds(12));
+  EXPECT_GE(body_sent, 9u);
   EXPECT_GE(*trickler_closed, milliseconds(9500));
   EXPECT_LE(*trickler_closed, seconds(12));
   EXPECT_GE(*silent_closed, milliseconds(9500));
@@ -267,6 +284,37 @@ TEST_F(SlowClients, ConnectionsPastTheLimitAreClosedAtOnce) {
   auto res = httplib::Client("127.0.0.1", port).Get("/tidewell.css");
   ASSERT_TRUE(res);
   EXPECT_EQ(res->status, 200);
+}
+
+// "Expect: 100-continue": the server says go on once the header passes, then answers the
+// whole request.
+TEST_F(SlowClients, ExpectContinueIsAnsweredBeforeTheBody) {
+  int port = Start();
+  ASSERT_NE(port, 0) << server_->Log();
+  int fd = Open(port);
+  pollfd writable{fd, POLLOUT, 0};
+  ASSERT_EQ(poll(&writable, 1, 5000), 1);
+  const std::string body = "login=Login&username=nobody&password=x";
+  const std::string head = "POST / HTTP/1.1\r\nHost: 127.0.0.1\r\nExpect: 100-continue\r\n"
+                           "Content-Type: application/x-www-form-urlencoded\r\n"
+                           "Connection: close\r\nContent-Length: " +
+                           std::to_string(body.size()) + "\r\n\r\n";
+  ASSERT_EQ(send(fd, head.data(), head.size(), MSG_NOSIGNAL), static_cast<ssize_t>(head.size()));
+  std::string interim;
+  Clock::time_point end = Clock::now() + seconds(5);
+  while (interim.find("\r\n\r\n") == std::string::npos && Clock::now() < end) {
+    pollfd readable{fd, POLLIN, 0};
+    if (poll(&readable, 1, 50) <= 0) continue;
+    char buffer[256];
+    ssize_t n = recv(fd, buffer, sizeof buffer, 0);
+    if (n <= 0) break;
+    interim.append(buffer, static_cast<size_t>(n));
+  }
+  EXPECT_EQ(interim, "HTTP/1.1 100 Continue\r\n\r\n");
+  ASSERT_EQ(send(fd, body.data(), body.size(), MSG_NOSIGNAL), static_cast<ssize_t>(body.size()));
+  std::string answer = ReadUntilClosed(fd, seconds(5));
+  EXPECT_EQ(answer.rfind("HTTP/1.1 200 OK\r\n", 0), 0u) << answer.substr(0, 200);
+  EXPECT_NE(answer.find("<!-- LoginScreen  Start -->"), std::string::npos);
 }
 
 TEST_F(SlowClients, OversizedHeadersAreRefusedWith431) {
