@@ -7,9 +7,10 @@ cd "$(dirname "$0")/.."
 
 packages=(
   build-essential cmake ninja-build pkg-config
-  libboost-dev libcpp-httplib-dev libsqlite3-dev libpq-dev libssl-dev
+  libcpp-httplib-dev libsqlite3-dev libpq-dev libssl-dev
   libgtest-dev libgmock-dev libbenchmark-dev libgoogle-perftools-dev
   postgresql-15 postgresql-contrib
+  libboost-dev
   chromium
 )
 # Node.js and npm drive Chromium in the browser tests. A machine that already has both keeps
