@@ -35,10 +35,12 @@ HostAnswer RunComponent(const PageConfig& page, const LinkSigning& signing,
     component.OnEndPage();
   } catch (const AutomationError& e) {
     return {400, "text/plain; charset=utf-8",
-            "Bad request: run-time error " + std::to_string(e.number()) + ", " + e.what() + ".\n"};
+            "Bad request: run-time error " + std::to_string(e.number()) + ", " + e.what() + ".\n",
+            "-"};
   }
   return {200, "text/html; charset=utf-8",
-          FillPageTemplate(page.page_template, SettleFrameHeight(response.TakeBody()))};
+          FillPageTemplate(page.page_template, SettleFrameHeight(response.TakeBody())),
+          std::to_string(component.page().Screen)};
 }
 
 std::string ViewComponentSource(const PageConfig& page, const LinkSigning& signing,

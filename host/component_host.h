@@ -13,6 +13,9 @@ struct HostAnswer {
   int status = 200;
   std::string content_type = "text/html; charset=utf-8";
   std::string body;
+  // The screen the component drew ("6" for the login form), for the access log; "-" when the
+  // request ended before a screen was drawn.
+  std::string screen = "-";
 };
 
 // Runs the component for one request the way an ASP page did: create it, OnStartPage with the

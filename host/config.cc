@@ -92,6 +92,20 @@ class ConfigReader {
       config.link_lifetime_seconds = seconds;
     } else if (EqualsIgnoringCase(name, "AssetFolder")) {
       config.asset_folder = value;
+    } else if (EqualsIgnoringCase(name, "RequestTimeout")) {
+      config.request_timeout_seconds = ParseWholeNumberInRange(name, value, 1, 3600);
+    } else if (EqualsIgnoringCase(name, "IdleTimeout")) {
+      config.idle_timeout_seconds = ParseWholeNumberInRange(name, value, 1, 3600);
+    } else if (EqualsIgnoringCase(name, "MaxConnections")) {
+      config.max_connections = ParseWholeNumberInRange(name, value, 1, 1000000);
+    } else if (EqualsIgnoringCase(name, "Workers")) {
+      config.workers = ParseWholeNumberInRange(name, value, 1, 256);
+    } else if (EqualsIgnoringCase(name, "FrameAncestors")) {
+      config.frame_ancestors = ParseOrigins(value);
+    } else if (EqualsIgnoringCase(name, "ContentSecurityPolicy")) {
+      if (value.empty() || value.find_first_of("\r\n") != std::string::npos)
+        Fail("ContentSecurityPolicy takes a policy on one line");
+      config.content_security_policy = value;
     } else {
       Fail("unknown name " + name);
     }
@@ -141,6 +155,40 @@ class ConfigReader {
     } catch (const std::exception&) {
     }
     Fail("expected a whole number, not " + value);
+  }
+
+  long ParseWholeNumberInRange(const std::string& name, const std::string& value, long low,
+                               long high) {
+    long n = ParseWholeNumber(value);
+    if (n < low || n > high) {
+      Fail(name + " is a whole number from " + std::to_string(low) + " to " +
+           std::to_string(high) + ", not " + value);
+    }
+    return n;
+  }
+
+  // "https://a.example, https://b.example:8443" or 'self': the sources of frame-ancestors.
+  // Each must be a plain origin, so that the value cannot add directives to the policy.
+  std::vector<std::string> ParseOrigins(const std::string& value) {
+    std::vector<std::string> origins;
+    std::string list = value;
+    for (char& c : list) {
+      if (c == ',') c = ' ';
+    }
+    std::istringstream in(list);
+    for (std::string origin; in >> origin;) {
+      bool web = origin.rfind("https://", 0) == 0 || origin.rfind("http://", 0) == 0;
+      size_t host = origin.find("://") + 3;
+      bool plain = web && origin.size() > host &&
+                   origin.find_first_of("/;'\"?#", host) == std::string::npos;
+      if (!plain && origin != "'self'") {
+        Fail("FrameAncestors lists origins such as https://intranet.example or 'self', not " +
+             origin);
+      }
+      origins.push_back(origin);
+    }
+    if (origins.empty()) Fail("FrameAncestors lists at least one origin");
+    return origins;
   }
 
   std::string file_name_;

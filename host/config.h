@@ -13,9 +13,10 @@ namespace tidewell {
 // starting from the top lines and adding its own. A line whose first non-blank character is
 // "#" is a comment; a "#" inside a value belongs to the value (#rrggbb colours).
 //
-// Host keys: Listen (host:port), Locale (en-US, en-GB), LinkSecret, LinkLifetime (seconds)
-// and AssetFolder apply to the whole server; PageTemplate (a file) and
-// AutoLogin (user, password, readonly) to the page they stand in.
+// Host keys: Listen (host:port), Locale (en-US, en-GB), LinkSecret, LinkLifetime (seconds),
+// AssetFolder, the server's limits (RequestTimeout, IdleTimeout, MaxConnections, Workers) and
+// its headers (FrameAncestors, ContentSecurityPolicy) apply to the whole server; PageTemplate
+// (a file) and AutoLogin (user, password, readonly) to the page they stand in.
 
 struct PropertySetting {
   std::string name;
@@ -45,6 +46,17 @@ struct SiteConfig {
   std::optional<std::string> link_secret;
   long link_lifetime_seconds = 12 * 60 * 60;
   std::string asset_folder;
+  // Seconds a request's headers and body may take to arrive, all told.
+  long request_timeout_seconds = 10;
+  // Seconds a kept-alive connection may wait for its next request (and a client may take to
+  // receive an answer).
+  long idle_timeout_seconds = 30;
+  long max_connections = 10000;
+  long workers = 8;  // threads that run the component
+  // Origins allowed to show the pages in a frame ("https://intranet.example"); none by default.
+  std::vector<std::string> frame_ancestors;
+  // Replaces the built-in Content-Security-Policy (host/security_headers.h) when set.
+  std::optional<std::string> content_security_policy;
   std::vector<PageConfig> pages;  // the page at "/" first
 
   const PageConfig* FindPage(std::string_view path) const;

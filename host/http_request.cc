@@ -1,7 +1,5 @@
 #include "host/http_request.h"
 
-#include <httplib.h>
-
 #include "host/form_encoding.h"
 #include "runtime/conversions.h"
 #include "runtime/strings.h"
@@ -14,9 +12,9 @@ std::string_view QueryOf(std::string_view target) {
   return question == std::string_view::npos ? std::string_view() : target.substr(question + 1);
 }
 
-bool IsFormPost(const httplib::Request& http) {
+bool IsFormPost(const HttpRequest& http) {
   return http.method == "POST" &&
-         http.get_header_value("Content-Type").rfind("application/x-www-form-urlencoded", 0) == 0;
+         http.Header("Content-Type").rfind("application/x-www-form-urlencoded", 0) == 0;
 }
 
 }  // namespace
@@ -32,19 +30,19 @@ AspCollection ParseCookies(std::string_view header) {
   return cookies;
 }
 
-AspRequest ToAspRequest(const httplib::Request& http) {
+AspRequest ToAspRequest(const HttpRequest& http) {
   AspRequest request;
   std::string_view query = QueryOf(http.target);
   request.QueryString = ParseUrlEncoded(query);
   if (IsFormPost(http)) request.Form = ParseUrlEncoded(http.body);
-  request.Cookies = ParseCookies(http.get_header_value("Cookie"));
+  request.Cookies = ParseCookies(http.Header("Cookie"));
   AspCollection& vars = request.ServerVariables;
   vars.Add("URL", http.path);
-  vars.Add("HTTP_USER_AGENT", http.get_header_value("User-Agent"));
+  vars.Add("HTTP_USER_AGENT", http.Header("User-Agent"));
   vars.Add("REQUEST_METHOD", http.method);
   vars.Add("QUERY_STRING", std::string(query));
-  vars.Add("REMOTE_ADDR", http.remote_addr);
-  vars.Add("HTTP_HOST", http.get_header_value("Host"));
+  vars.Add("REMOTE_ADDR", http.remote_address);
+  vars.Add("HTTP_HOST", http.Header("Host"));
   return request;
 }
 

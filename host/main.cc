@@ -36,9 +36,15 @@ constexpr const char* kServeUsage =
     "\n"
     "  --config FILE       configuration: the calendar's properties (ConnectionString,\n"
     "                      ImagePath, Visible, ...) and host keys (Listen, Locale,\n"
-    "                      PageTemplate, AutoLogin, LinkSecret, LinkLifetime, AssetFolder)\n"
+    "                      PageTemplate, AutoLogin, LinkSecret, LinkLifetime, AssetFolder,\n"
+    "                      RequestTimeout, IdleTimeout, MaxConnections, Workers,\n"
+    "                      FrameAncestors, ContentSecurityPolicy)\n"
     "  --listen HOST:PORT  address to listen on (default: the Listen key, else\n"
     "                      127.0.0.1:8080); port 0 picks a free port\n"
+    "\n"
+    "A request's headers and body must arrive within RequestTimeout seconds (10) or the\n"
+    "connection is closed; idle kept-alive connections close after IdleTimeout (30).\n"
+    "One access line per request goes to standard error, without query strings.\n"
     "\n"
     "The environment variable TIDEWELL_NOW=\"YYYY-MM-DD HH:MM:SS\" fixes the clock.\n";
 

@@ -10,6 +10,7 @@ packages=(
   libcpp-httplib-dev libsqlite3-dev libpq-dev libssl-dev libsodium-dev
   libgtest-dev libgmock-dev libbenchmark-dev libgoogle-perftools-dev
   postgresql-15 postgresql-contrib
+  libboost-dev
   chromium
 )
 # Node.js and npm drive Chromium in the browser tests. A machine that already has both keeps

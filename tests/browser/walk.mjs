@@ -96,12 +96,32 @@ function StopServer(server) {
 }
 
 // Everything that goes wrong in any page of the context (the calendar and the date picker
-// pop-up): console errors, uncaught exceptions, failed requests and HTTP errors.
-function WatchForProblems(context) {
+// pop-up): console errors, uncaught exceptions, failed requests and HTTP errors, anything the
+// Content-Security-Policy refused, and a page sent without that policy (the walk proves the
+// policy allows everything the screens do, so it must be in force).
+async function WatchForProblems(context) {
   const problems = [];
+  await context.addInitScript(() => {
+    document.addEventListener('securitypolicyviolation', (event) => {
+      console.error(`Content Security Policy violation: ${event.violatedDirective} ` +
+        `blocked ${event.blockedURI || 'inline'} at ${event.sourceFile}:${event.lineNumber}`);
+    });
+  });
   const watch = (page) => {
     page.on('console', (message) => {
-      if (message.type() === 'error') problems.push(`console error: ${message.text()}`);
+      if (message.type() === 'error') {
+        problems.push(`console error: ${message.text()}`);
+      } else if (/Content.Security.Policy/i.test(message.text())) {
+        problems.push(`policy report: ${message.text()}`);
+      }
+    });
+    page.on('response', (response) => {
+      if (response.request().resourceType() !== 'document') return;
+      const headers = response.headers();
+      if (!headers['content-security-policy'] || headers['x-content-type-options'] !== 'nosniff' ||
+        headers['referrer-policy'] !== 'no-referrer') {
+        problems.push(`page without its security headers: ${response.url()}`);
+      }
     });
     page.on('pageerror', (error) => problems.push(`script error: ${error.message}`));
     page.on('requestfailed', (request) => {
@@ -558,7 +578,7 @@ async function Main() {
     });
     const context = await browser.newContext({ viewport: { width: 800, height: 600 } });
     context.setDefaultTimeout(15000);
-    const problems = WatchForProblems(context);
+    const problems = await WatchForProblems(context);
     const main = await context.newPage();
     walk = new Walk(problems, options.screenshots, main);
     await WalkThrough(walk, main, server.base);

@@ -57,6 +57,41 @@ TEST(Config, BadValueStopsWithItsLine) {
   EXPECT_NE(ErrorOf("DefaultStartHour = noon\n").find("site.conf:1:"), std::string::npos);
 }
 
+TEST(Config, ServerLimitsHaveDefaultsAndTakeWholeNumbers) {
+  SiteConfig defaults = ParseConfig("", "site.conf");
+  EXPECT_EQ(defaults.request_timeout_seconds, 10);
+  EXPECT_EQ(defaults.idle_timeout_seconds, 30);
+  EXPECT_EQ(defaults.max_connections, 10000);
+  EXPECT_EQ(defaults.workers, 8);
+  SiteConfig config = ParseConfig(
+      "RequestTimeout = 5\nIdleTimeout = 60\nMaxConnections = 2000\nWorkers = 4\n", "site.conf");
+  EXPECT_EQ(config.request_timeout_seconds, 5);
+  EXPECT_EQ(config.idle_timeout_seconds, 60);
+  EXPECT_EQ(config.max_connections, 2000);
+  EXPECT_EQ(config.workers, 4);
+  EXPECT_EQ(ErrorOf("RequestTimeout = 0\n"),
+            "site.conf:1: RequestTimeout is a whole number from 1 to 3600, not 0");
+  EXPECT_NE(ErrorOf("Workers = many\n").find("site.conf:1: expected a whole number"),
+            std::string::npos);
+  EXPECT_NE(ErrorOf("[page /x]\nIdleTimeout = 5\n").find("applies to the whole server"),
+            std::string::npos);
+}
+
+TEST(Config, FrameAncestorsTakesPlainOriginsOnly) {
+  SiteConfig config =
+      ParseConfig("FrameAncestors = https://intranet.example, http://wiki.example:8080\n", "f");
+  EXPECT_EQ(config.frame_ancestors,
+            (std::vector<std::string>{"https://intranet.example", "http://wiki.example:8080"}));
+  EXPECT_EQ(ParseConfig("FrameAncestors = 'self'\n", "f").frame_ancestors,
+            std::vector<std::string>{"'self'"});
+  EXPECT_NE(ErrorOf("FrameAncestors = https://a.example; script-src *\n").find("not https://a.example;"),
+            std::string::npos);
+  EXPECT_NE(ErrorOf("FrameAncestors = *\n").find("FrameAncestors lists origins"),
+            std::string::npos);
+  EXPECT_NE(ErrorOf("FrameAncestors = https://a.example/path\n").find("FrameAncestors lists"),
+            std::string::npos);
+}
+
 TEST(Config, LineWithoutEqualsStops) {
   EXPECT_EQ(ErrorOf("Visible True\n"), "site.conf:1: expected Name = Value, not \"Visible True\"");
 }

@@ -134,6 +134,35 @@ TEST_F(LoginOverHttp, ServersSharingTheSecretAcceptEachOthersLinks) {
   EXPECT_EQ(on_c.find("<b>User:</b>"), std::string::npos);
 }
 
+// The access log names each request's path and the screen drawn, never the query string that
+// carries the signed key, nor anything posted.
+TEST_F(LoginOverHttp, TheAccessLogKeepsPathAndScreenButNoKeysOrFormValues) {
+  auto server = Start(Config("site.conf", "LinkSecret = shared-secret-0123456789\n"));
+  int port = server->WaitForPort();
+  ASSERT_NE(port, 0) << server->Log();
+  std::string link = LinkTitled(LogIn(port), "Next Month");  // "default.asp?WS=..." or "?WS="
+  size_t query = link.find('?');
+  ASSERT_NE(query, std::string::npos) << link;
+  std::string signed_key = LinkFields(link, true).at(5);
+  ASSERT_NE(signed_key.find('.'), std::string::npos);  // a signed key rides in the link
+  ASSERT_NE(Get(port, link), "");
+  EXPECT_EQ(server->Stop(SIGTERM), 0);
+
+  std::string log = server->Log();
+  EXPECT_NE(log.find("\"POST / HTTP/1.1\" 200 "), std::string::npos) << log;
+  // The link opens the day view (screen 2), logged by its path alone.
+  EXPECT_NE(log.find("\"GET / HTTP/1.1\" 200 "), std::string::npos) << log;
+  EXPECT_NE(log.find(" screen=2 "), std::string::npos) << log;
+  EXPECT_EQ(log.find(link.substr(query + 1)), std::string::npos) << log;
+  EXPECT_EQ(log.find("WS="), std::string::npos) << log;
+  EXPECT_EQ(log.find(signed_key), std::string::npos) << log;
+  EXPECT_EQ(log.find(BareKey(signed_key)), std::string::npos) << log;
+  EXPECT_EQ(log.find(bob_), std::string::npos) << log;
+  EXPECT_EQ(log.find("password"), std::string::npos) << log;
+  EXPECT_EQ(log.find("username"), std::string::npos) << log;
+  EXPECT_EQ(log.find("bob"), std::string::npos) << log;
+}
+
 // Without LinkSecret the secret is made on the first start and kept beside the database, so
 // links outlive a restart.
 TEST_F(LoginOverHttp, TheSecretKeptInTheDatabaseOutlivesARestart) {

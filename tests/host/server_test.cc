@@ -6,6 +6,7 @@
 #include <chrono>
 #include <filesystem>
 #include <fstream>
+#include <regex>
 #include <thread>
 
 #include "component/link_codec.h"
@@ -107,11 +108,71 @@ TEST_F(Server, FormPostsReachTheComponent) {
 TEST_F(Server, LogsOneLinePerRequest) {
   client_->Get("/");
   client_->Get("/images/nav_line.gif");
+  client_->Get("/elsewhere.asp?x=1");
   server_->Stop(SIGTERM);
   std::string log = server_->Log();
-  EXPECT_NE(log.find("\"GET / HTTP/1.1\" 200"), std::string::npos) << log;
-  EXPECT_NE(log.find("\"GET /images/nav_line.gif HTTP/1.1\" 200"), std::string::npos) << log;
-  EXPECT_NE(log.find("2026-11-21 09:30:00 127.0.0.1"), std::string::npos) << log;
+  // Time, peer, request without its query, status, bytes, the screen drawn, duration.
+  std::regex page_line(
+      "2026-11-21 09:30:00 127\\.0\\.0\\.1 \"GET / HTTP/1\\.1\" 200 [0-9]+ screen=9 [0-9.]+ms\n");
+  EXPECT_TRUE(std::regex_search(log, page_line)) << log;  // the welcome screen of a fresh site
+  EXPECT_NE(log.find("\"GET /images/nav_line.gif HTTP/1.1\" 200 56 screen=- "), std::string::npos)
+      << log;
+  EXPECT_NE(log.find("\"GET /elsewhere.asp HTTP/1.1\" 404 11 screen=- "), std::string::npos) << log;
+}
+
+// A path cannot write lines of its own into the log: control characters stay escaped.
+TEST_F(Server, PathsCannotForgeLogLines) {
+  auto res = client_->Get("/x%0A2026-11-21%2009:30:00%20forged%22");
+  ASSERT_TRUE(res);
+  EXPECT_EQ(res->status, 404);
+  server_->Stop(SIGTERM);
+  std::string log = server_->Log();
+  EXPECT_NE(log.find("\"GET /x%0A2026-11-21%2009:30:00%20forged%22 HTTP/1.1\" 404"),
+            std::string::npos)
+      << log;
+  EXPECT_EQ(log.find("\n2026-11-21 09:30:00 forged"), std::string::npos) << log;
+}
+
+TEST_F(Server, HeadAnswersFilesAndPagesWithoutTheBody) {
+  for (const char* path : {"/images/nav_line.gif", "/tidewell.css", "/"}) {
+    auto get = client_->Get(path);
+    auto head = client_->Head(path);
+    ASSERT_TRUE(get && head) << path;
+    EXPECT_EQ(head->status, 200) << path;
+    EXPECT_EQ(head->body, "") << path;
+    EXPECT_EQ(head->get_header_value("Content-Type"), get->get_header_value("Content-Type"));
+    if (std::string(path) != "/") {
+      EXPECT_EQ(head->get_header_value("Content-Length"), std::to_string(get->body.size()));
+    }
+  }
+  auto after = client_->Get("/tidewell.css");  // the connection is still in step
+  ASSERT_TRUE(after);
+  EXPECT_EQ(after->status, 200);
+}
+
+TEST_F(Server, OtherMethodsAreNotAllowed) {
+  auto res = client_->Delete("/");
+  ASSERT_TRUE(res);
+  EXPECT_EQ(res->status, 405);
+  EXPECT_EQ(res->get_header_value("Allow"), "GET, HEAD, POST");
+}
+
+// Every answer, page, file or error, says what it is and that nobody may frame it or learn
+// its link; the page's policy allows only what the screens use.
+TEST_F(Server, SecurityHeadersGoWithPagesFilesAndErrors) {
+  const std::string policy =
+      "default-src 'none'; script-src 'unsafe-inline'; style-src 'self' 'unsafe-inline'; "
+      "style-src-elem 'self'; img-src 'self'; form-action 'self'; base-uri 'none'; "
+      "frame-ancestors 'none'";
+  for (const char* path : {"/", "/cal/default.asp", "/images/nav_line.gif", "/tidewell.css",
+                           "/elsewhere.asp", "/?WS=7E36ZZ"}) {
+    auto res = client_->Get(path);
+    ASSERT_TRUE(res) << path;
+    EXPECT_EQ(res->get_header_value("X-Content-Type-Options"), "nosniff") << path;
+    EXPECT_EQ(res->get_header_value("Referrer-Policy"), "no-referrer") << path;
+    EXPECT_EQ(res->get_header_value("X-Frame-Options"), "DENY") << path;
+    EXPECT_EQ(res->get_header_value("Content-Security-Policy"), policy) << path;
+  }
 }
 
 TEST_F(Server, StopsCleanlyOnSigterm) {
@@ -129,6 +190,56 @@ TEST_F(Server, AStraySigusr1NeitherStopsNorDeafensTheServer) {
 
 TEST_F(Server, StopsCleanlyOnSigint) {
   EXPECT_EQ(server_->Stop(SIGINT), 0);
+}
+
+// FrameAncestors lets the named origins frame the pages: they stand in frame-ancestors and
+// X-Frame-Options, which cannot name them, is left out.
+TEST(ServerStart, FrameAncestorsAllowsTheNamedOrigins) {
+  std::string config = ::testing::TempDir() + "/framed_tidewell.conf";
+  std::ofstream(config) << "ConnectionString = Provider=SQLite;Data Source="
+                        << ::testing::TempDir() << "/framed_" << getpid() << ".db\n"
+                        << "FrameAncestors = https://intranet.example, https://wiki.example\n";
+  testing::ServerProcess server(TIDEWELL_BINARY,
+                                {"serve", "--config", config, "--listen", "127.0.0.1:0"});
+  int port = server.WaitForPort();
+  ASSERT_NE(port, 0) << server.Log();
+  httplib::Client client("127.0.0.1", port);
+  for (const char* path : {"/", "/tidewell.css"}) {
+    auto res = client.Get(path);
+    ASSERT_TRUE(res) << path;
+    std::string policy = res->get_header_value("Content-Security-Policy");
+    EXPECT_NE(policy.find("; frame-ancestors https://intranet.example https://wiki.example"),
+              std::string::npos)
+        << policy;
+    EXPECT_EQ(policy.find("frame-ancestors 'none'"), std::string::npos) << policy;
+    EXPECT_FALSE(res->has_header("X-Frame-Options")) << path;
+    EXPECT_EQ(res->get_header_value("X-Content-Type-Options"), "nosniff") << path;
+  }
+}
+
+TEST(ServerStart, ListensOnTheIpv6Loopback) {
+  std::string config = ::testing::TempDir() + "/ipv6_tidewell.conf";
+  std::ofstream(config) << "ConnectionString = Provider=SQLite;Data Source="
+                        << ::testing::TempDir() << "/ipv6_" << getpid() << ".db\n";
+  testing::ServerProcess server(TIDEWELL_BINARY,
+                                {"serve", "--config", config, "--listen", "[::1]:0"});
+  std::this_thread::sleep_for(std::chrono::milliseconds(100));
+  int port = 0;
+  for (int i = 0; i < 100 && port == 0; ++i) {
+    std::smatch match;
+    std::string log = server.Log();
+    if (std::regex_search(log, match, std::regex("serving http://\\[::1\\]:([0-9]+)/"))) {
+      port = std::stoi(match[1]);
+    } else {
+      std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    }
+  }
+  ASSERT_NE(port, 0) << server.Log();
+  httplib::Client client("::1", port);
+  auto res = client.Get("/tidewell.css");
+  ASSERT_TRUE(res);
+  EXPECT_EQ(res->status, 200);
+  EXPECT_EQ(server.Stop(SIGTERM), 0);
 }
 
 TEST(ServerStart, BadConfigurationStopsWithTheLine) {
