@@ -116,6 +116,8 @@ bool IsUnreadableRequest(beast::error_code ec) {
          ec != http::error::end_of_stream && ec != http::error::partial_message;
 }
 
+}  // namespace
+
 HttpAnswer PlainAnswer(int status, std::string text) {
   HttpAnswer answer;
   answer.status = status;
@@ -123,8 +125,6 @@ HttpAnswer PlainAnswer(int status, std::string text) {
   answer.body = std::move(text);
   return answer;
 }
-
-}  // namespace
 
 struct HttpServer::State {
   State(Handler handler, HttpServerLimits limits, HeaderList common_headers)

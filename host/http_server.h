@@ -35,6 +35,9 @@ struct HttpAnswer {
   std::string log_screen = "-";
 };
 
+// A plain-text answer: the short pages for errors and refusals.
+HttpAnswer PlainAnswer(int status, std::string text);
+
 // Limits that keep slow, idle and greedy clients from holding the server.
 struct HttpServerLimits {
   // From a connection's start (or the first byte of a later request on it) until the request's

@@ -35,14 +35,6 @@ Endpoint ParseEndpoint(const std::string& listen) {
   return endpoint;
 }
 
-HttpAnswer PlainAnswer(int status, std::string text) {
-  HttpAnswer answer;
-  answer.status = status;
-  answer.content_type = "text/plain; charset=utf-8";
-  answer.body = std::move(text);
-  return answer;
-}
-
 // Answers every request: a configured page runs the component, an image or the style sheet
 // comes from memory, anything else is not found. Called on the server's worker threads.
 class Site {

@@ -28,6 +28,7 @@
 namespace tidewell {
 namespace {
 
+using testing::AccountForm;
 using testing::FormAction;
 using testing::FormFields;
 using testing::LinkTitled;
@@ -52,26 +53,6 @@ void AllAtOnce(int count, const std::function<void(int)>& request) {
     });
   }
   for (std::thread& thread : threads) thread.join();
-}
-
-// The administrator form as a browser posts it.
-FormFields AccountForm(const std::string& name, const std::string& initials,
-                       const std::string& group_id, const std::string& new_group,
-                       const std::string& submit) {
-  return {{"username", name},
-          {"initials", initials},
-          {"groupid", group_id},
-          {"newgroup", new_group},
-          {"loadgroupdata", "1"},
-          {"userdefaultstarthour", "8"},
-          {"userhighlighttodaysdate", "0"},
-          {"userhighlighttodaystime", "0"},
-          {"usershow12hourday", "0"},
-          {"defaultview", "0"},
-          {"password", "pw"},
-          {"confirm", "pw"},
-          {"submit", submit},
-          {"action", submit == "Add New User" ? "a" : "u"}};
 }
 
 // Two servers on one database of the engine, with no LinkSecret configured: the secret is the

@@ -15,11 +15,15 @@
 #include "tests/component/site_visit.h"
 #include "tests/data/engines.h"
 #include "tests/host/server_process.h"
+#include "tests/host/site_client.h"
 
 namespace tidewell {
 namespace {
 
+using testing::AccountForm;
 using testing::FormAction;
+using testing::FormEncoded;
+using testing::OptionValue;
 using testing::LinkFields;
 using testing::LinkTitled;
 using testing::ServerProcess;
@@ -28,41 +32,6 @@ constexpr const char* kNow = "TIDEWELL_NOW=2026-11-21 09:30:00";
 
 bool Contains(const std::string& text, const std::string& piece) {
   return text.find(piece) != std::string::npos;
-}
-
-// The value of the entry of a select list that reads `label`: what a browser posts for it.
-std::string OptionValue(const std::string& html, const std::string& label) {
-  const size_t at = html.find(" >" + label + "</option>");
-  if (at == std::string::npos) return "";
-  const size_t value = html.rfind("value=", at) + 6;
-  return html.substr(value, at - value);
-}
-
-// application/x-www-form-urlencoded, as a browser writes it: letters and digits stay, a blank
-// becomes "+", every other byte "%XX".
-std::string FormEncoded(const std::vector<std::pair<std::string, std::string>>& fields) {
-  static constexpr char kDigits[] = "0123456789ABCDEF";
-  auto encode = [](const std::string& text) {
-    std::string out;
-    for (unsigned char c : text) {
-      if (std::isalnum(c)) {
-        out += static_cast<char>(c);
-      } else if (c == ' ') {
-        out += '+';
-      } else {
-        out += '%';
-        out += kDigits[c >> 4];
-        out += kDigits[c & 0xF];
-      }
-    }
-    return out;
-  };
-  std::string body;
-  for (const auto& [name, value] : fields) {
-    if (!body.empty()) body += "&";
-    body += name + "=" + encode(value);
-  }
-  return body;
 }
 
 class FirstRunOverHttp : public ::testing::Test {
@@ -93,28 +62,6 @@ class FirstRunOverHttp : public ::testing::Test {
                            "application/x-www-form-urlencoded");
     EXPECT_TRUE(res && res->status == 200) << action;
     return res && res->status == 200 ? res->body : "";
-  }
-
-  // The administrator form as a browser posts it, with `submit` pressed.
-  static std::vector<std::pair<std::string, std::string>> AccountForm(const std::string& name,
-                                                                      const std::string& initials,
-                                                                      const std::string& group_id,
-                                                                      const std::string& new_group,
-                                                                      const std::string& submit) {
-    return {{"username", name},
-            {"initials", initials},
-            {"groupid", group_id},
-            {"newgroup", new_group},
-            {"loadgroupdata", "1"},
-            {"userdefaultstarthour", "8"},
-            {"userhighlighttodaysdate", "0"},
-            {"userhighlighttodaystime", "0"},
-            {"usershow12hourday", "0"},
-            {"defaultview", "0"},
-            {"password", "pw"},
-            {"confirm", "pw"},
-            {"submit", submit},
-            {"action", submit == "Add New User" ? "a" : "u"}};
   }
 
   // The rows of Users as "name|initials|administrator|group name", by name.

@@ -17,11 +17,15 @@
 #include "tests/component/site_visit.h"
 #include "tests/data/engines.h"
 #include "tests/host/server_process.h"
+#include "tests/host/site_client.h"
 
 namespace tidewell {
 namespace {
 
+using testing::AccountForm;
 using testing::FormAction;
+using testing::FormEncoded;
+using testing::OptionValue;
 using testing::LinkTitled;
 using testing::ServerProcess;
 using Fields = std::vector<std::pair<std::string, std::string>>;
@@ -32,41 +36,11 @@ bool Contains(const std::string& text, const std::string& piece) {
   return text.find(piece) != std::string::npos;
 }
 
-// The value of the entry of a select list that reads `label`: what a browser posts for it.
-std::string OptionValue(const std::string& html, const std::string& label) {
-  const size_t at = html.find(" >" + label + "</option>");
-  if (at == std::string::npos) return "";
-  const size_t value = html.rfind("value=", at) + 6;
-  return html.substr(value, at - value);
-}
-
 // The part of a page between `from` and the next `to`.
 std::string Section(const std::string& html, const std::string& from, const std::string& to) {
   const size_t start = html.find(from);
   if (start == std::string::npos) return "";
   return html.substr(start, html.find(to, start) - start);
-}
-
-// application/x-www-form-urlencoded, as a browser writes it.
-std::string FormEncoded(const Fields& fields) {
-  static constexpr char kDigits[] = "0123456789ABCDEF";
-  std::string body;
-  for (const auto& [name, value] : fields) {
-    if (!body.empty()) body += "&";
-    body += name + "=";
-    for (unsigned char c : value) {
-      if (std::isalnum(c)) {
-        body += static_cast<char>(c);
-      } else if (c == ' ') {
-        body += '+';
-      } else {
-        body += '%';
-        body += kDigits[c >> 4];
-        body += kDigits[c & 0xF];
-      }
-    }
-  }
-  return body;
 }
 
 // A site set up through its own forms: the first administrator "boss" in group "Bridge",
@@ -123,25 +97,6 @@ class OptionsOverHttp : public ::testing::Test {
     EXPECT_TRUE(Contains(login, "<!-- LoginScreen  Start -->")) << login;
     return PostForm(FormAction(login),
                     {{"username", name}, {"password", password}, {"login", "y"}});
-  }
-
-  static Fields AccountForm(const std::string& name, const std::string& initials,
-                            const std::string& group_id, const std::string& new_group,
-                            const std::string& submit) {
-    return {{"username", name},
-            {"initials", initials},
-            {"groupid", group_id},
-            {"newgroup", new_group},
-            {"loadgroupdata", "1"},
-            {"userdefaultstarthour", "8"},
-            {"userhighlighttodaysdate", "0"},
-            {"userhighlighttodaystime", "0"},
-            {"usershow12hourday", "0"},
-            {"defaultview", "0"},
-            {"password", "pw"},
-            {"confirm", "pw"},
-            {"submit", submit},
-            {"action", submit == "Add New User" ? "a" : "u"}};
   }
 
   testing::TempFolder folder_;

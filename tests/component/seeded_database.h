@@ -15,6 +15,15 @@
 
 namespace tidewell::testing {
 
+// What links for the account are signed over: its stored password hash ("" for no account).
+inline std::string StoredStamp(const std::string& connection_string, const std::string& key) {
+  ado::Connection connection;
+  connection.Open(connection_string);
+  ado::Recordset rs;
+  rs.Open(ado::Statement("SELECT Password FROM Users WHERE OwnerKey = ").Text(key), connection);
+  return rs.Eof() ? "" : CStrOrBlank(rs.Fields("Password").Value());
+}
+
 // What a test sees of a stored password: the password it is a hash of, among those the tests
 // type, or "not a hash: " and the stored text, or "hash of another password". Each answer is
 // kept, as a verification costs tens of milliseconds.
@@ -96,11 +105,7 @@ class SeededDatabase {
 
   // What links for the account are signed over: its stored password hash ("" for no account).
   std::string StampOf(const std::string& key) const {
-    ado::Connection connection;
-    connection.Open(connection_string_);
-    ado::Recordset rs;
-    rs.Open(ado::Statement("SELECT Password FROM Users WHERE OwnerKey = ").Text(key), connection);
-    return rs.Eof() ? "" : CStrOrBlank(rs.Fields("Password").Value());
+    return StoredStamp(connection_string_, key);
   }
 
   // Runs a statement made of fixed text, for a test that changes the data it seeded.

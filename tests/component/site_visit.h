@@ -123,30 +123,8 @@ inline long long UnixSeconds(int year, int month, int day, int hour, int minute,
   return static_cast<long long>(timegm(&moment));
 }
 
-// A key signed as links must carry it: key "." expiry "." the first 32 hex digits of
-// HMAC-SHA256(secret, key "." expiry "\n" stamp), worked out here on its own. The stamp is the
-// account's stored password hash.
-inline std::string ExpectedSignedKey(const std::string& secret, const std::string& key,
-                                     long long expiry, const std::string& stamp) {
-  std::string signed_part = key + "." + std::to_string(expiry);
-  std::string message = signed_part + "\n" + stamp;
-  unsigned char digest[EVP_MAX_MD_SIZE];
-  unsigned int length = 0;
-  HMAC(EVP_sha256(), secret.data(), static_cast<int>(secret.size()),
-       reinterpret_cast<const unsigned char*>(message.data()), message.size(), digest, &length);
-  static constexpr char kDigits[] = "0123456789abcdef";
-  std::string mac;
-  for (unsigned int i = 0; i < 16; ++i) {
-    mac += kDigits[digest[i] >> 4];
-    mac += kDigits[digest[i] & 0xF];
-  }
-  return signed_part + "." + mac;
-}
-
-// What the password fields show for an account whose stored hash is `stored`: the first 15
-// hex digits of HMAC-SHA256(secret, "password stand-in\n" stored), worked out here on its own.
-inline std::string ExpectedStandIn(const std::string& secret, const std::string& stored) {
-  std::string message = "password stand-in\n" + stored;
+// HMAC-SHA256 of `message` with `secret`, in lower-case hex, worked out here on its own.
+inline std::string HmacSha256Hex(const std::string& secret, const std::string& message) {
   unsigned char digest[EVP_MAX_MD_SIZE];
   unsigned int length = 0;
   HMAC(EVP_sha256(), secret.data(), static_cast<int>(secret.size()),
@@ -157,7 +135,22 @@ inline std::string ExpectedStandIn(const std::string& secret, const std::string&
     hex += kDigits[digest[i] >> 4];
     hex += kDigits[digest[i] & 0xF];
   }
-  return hex.substr(0, 15);
+  return hex;
+}
+
+// A key signed as links must carry it: key "." expiry "." the first 32 hex digits of
+// HMAC-SHA256(secret, key "." expiry "\n" stamp), worked out here on its own. The stamp is the
+// account's stored password hash.
+inline std::string ExpectedSignedKey(const std::string& secret, const std::string& key,
+                                     long long expiry, const std::string& stamp) {
+  std::string signed_part = key + "." + std::to_string(expiry);
+  return signed_part + "." + HmacSha256Hex(secret, signed_part + "\n" + stamp).substr(0, 32);
+}
+
+// What the password fields show for an account whose stored hash is `stored`: the first 15
+// hex digits of HMAC-SHA256(secret, "password stand-in\n" stored), worked out here on its own.
+inline std::string ExpectedStandIn(const std::string& secret, const std::string& stored) {
+  return HmacSha256Hex(secret, "password stand-in\n" + stored).substr(0, 15);
 }
 
 // Requests against a seeded database on Saturday 21 November 2026, 2:05 PM, with links signed

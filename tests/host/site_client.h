@@ -36,6 +36,36 @@ inline std::string FormEncoded(const FormFields& fields) {
   return body;
 }
 
+// The administrator options form as a browser posts it with `submit` pressed: the account's
+// name, initials and group (an existing group's id, or a new group's name), the whole group
+// shown, the month view, display options as the page has them, and the password "pw".
+inline FormFields AccountForm(const std::string& name, const std::string& initials,
+                              const std::string& group_id, const std::string& new_group,
+                              const std::string& submit) {
+  return {{"username", name},
+          {"initials", initials},
+          {"groupid", group_id},
+          {"newgroup", new_group},
+          {"loadgroupdata", "1"},
+          {"userdefaultstarthour", "8"},
+          {"userhighlighttodaysdate", "0"},
+          {"userhighlighttodaystime", "0"},
+          {"usershow12hourday", "0"},
+          {"defaultview", "0"},
+          {"password", "pw"},
+          {"confirm", "pw"},
+          {"submit", submit},
+          {"action", submit == "Add New User" ? "a" : "u"}};
+}
+
+// The value of the entry of a select list that reads `label`: what a browser posts for it.
+inline std::string OptionValue(const std::string& html, const std::string& label) {
+  const size_t at = html.find(" >" + label + "</option>");
+  if (at == std::string::npos) return "";
+  const size_t value = html.rfind("value=", at) + 6;
+  return html.substr(value, at - value);
+}
+
 // A browser's requests to one server on 127.0.0.1: links and form actions as the pages write
 // them (relative to "/"). Safe to use from several threads, each request on a connection of
 // its own. A failed request answers "".

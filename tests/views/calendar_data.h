@@ -9,6 +9,7 @@
 #include "data/statement.h"
 #include "runtime/conversions.h"
 #include "runtime/variant.h"
+#include "tests/component/seeded_database.h"
 
 namespace tidewell::testing {
 
@@ -66,11 +67,7 @@ class CalendarData {
 
   // What links for the account are signed over: its stored password hash ("" for no account).
   std::string StampOf(const std::string& key) const {
-    ado::Connection connection;
-    connection.Open(connection_string_);
-    ado::Recordset rs;
-    rs.Open(ado::Statement("SELECT Password FROM Users WHERE OwnerKey = ").Text(key), connection);
-    return rs.Eof() ? "" : CStrOrBlank(rs.Fields("Password").Value());
+    return StoredStamp(connection_string_, key);
   }
 
   // Every account here has the password "pw", hashed once per process: a hash costs tens of
