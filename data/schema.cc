@@ -8,8 +8,10 @@
 #include "data/connection.h"
 #include "data/connection_string.h"
 #include "data/database_error.h"
+#include "data/recordset.h"
 #include "data/sqlite_session.h"
 #include "data/statement.h"
+#include "runtime/conversions.h"
 
 namespace tidewell {
 namespace {
@@ -128,15 +130,11 @@ const std::vector<ado::Statement>& Indexes() {
 }
 
 // What the tables gained since they were first made, written so that running them again on
-// an up-to-date database changes nothing. The login looks names up through the unique index,
-// which, over a column that ignores case on both engines, also keeps two accounts from
-// sharing a name in any spelling however close together they are made. The login failures are
-// counted by subject and time and expire by time. The accounts lock is a row that the
-// transactions which must not overlap (making the first administrator) update first.
+// an up-to-date database changes nothing. The login failures are counted by subject and time
+// and expire by time. The accounts lock is a row that the transactions which must not overlap
+// (making the first administrator) update first.
 const std::vector<ado::Statement>& Additions() {
   static const std::vector<ado::Statement> statements = {
-      ado::Statement("DROP INDEX IF EXISTS Users_Username"),
-      ado::Statement("CREATE UNIQUE INDEX IF NOT EXISTS Users_Username_Unique ON Users (Username)"),
       ado::Statement("CREATE INDEX IF NOT EXISTS LoginFailures_Subject "
                      "ON LoginFailures (Subject, FailedAt)"),
       ado::Statement("CREATE INDEX IF NOT EXISTS LoginFailures_FailedAt "
@@ -145,6 +143,29 @@ const std::vector<ado::Statement>& Additions() {
                      "ON CONFLICT DO NOTHING"),
   };
   return statements;
+}
+
+// The login looks names up through a unique index which, over a column that ignores case on
+// both engines, also keeps two accounts from sharing a name in any spelling however close
+// together they are made. It replaces the plain index of earlier versions.
+const std::vector<ado::Statement>& UniqueNames() {
+  static const std::vector<ado::Statement> statements = {
+      ado::Statement("CREATE UNIQUE INDEX IF NOT EXISTS Users_Username_Unique ON Users (Username)"),
+      ado::Statement("DROP INDEX IF EXISTS Users_Username"),
+  };
+  return statements;
+}
+
+// The names more than one account has (without regard to case), as a list for a message.
+std::string SharedNames(ado::Connection& connection) {
+  ado::Recordset rs;
+  rs.Open(ado::Statement("SELECT Username FROM Users GROUP BY Username HAVING COUNT(*) > 1"),
+          connection);
+  std::string names;
+  for (; !rs.Eof(); rs.MoveNext()) {
+    names += (names.empty() ? "\"" : ", \"") + CStrOrBlank(rs.Fields("Username").Value()) + "\"";
+  }
+  return names;
 }
 
 bool FileExists(const std::string& path) {
@@ -198,6 +219,7 @@ void CreateTables(ado::Connection& connection) {
     }
     for (const ado::Statement& statement : Indexes()) connection.Execute(statement);
     AddWhatIsMissing(connection);
+    for (const ado::Statement& statement : UniqueNames()) connection.Execute(statement);
   });
 }
 
@@ -231,15 +253,33 @@ void CreateSchema(const std::string& connection_string) {
   }
 }
 
-void UpgradeSchema(const std::string& connection_string) {
+std::string UpgradeSchema(const std::string& connection_string) {
+  ado::Connection connection;
   try {
-    ado::Connection connection;
     connection.Open(connection_string);
     InOneTransaction(connection, [&] { AddWhatIsMissing(connection); });
   } catch (const ado::DatabaseError& error) {
     throw SchemaError("Could not bring the tables up to date: " + error.description() +
                       " (error " + std::to_string(error.number()) + ")");
   }
+  // Apart, so that a site whose accounts share a name still gets the rest, and its
+  // administrator can sign in and rename them.
+  try {
+    InOneTransaction(connection, [&] {
+      for (const ado::Statement& statement : UniqueNames()) connection.Execute(statement);
+    });
+  } catch (const ado::DatabaseError& error) {
+    std::string shared;
+    try {
+      shared = SharedNames(connection);
+    } catch (const ado::DatabaseError&) {
+    }
+    if (shared.empty()) shared = "(" + error.description() + ")";
+    return "user names are not yet kept unique: more than one account is named " + shared +
+           ". Rename or delete all but one of each in the administrator options; the next "
+           "start makes names unique.";
+  }
+  return "";
 }
 
 EmbeddedDatabaseReport PrepareEmbeddedDatabase(const std::string& connection_string) {

@@ -27,11 +27,13 @@ class SchemaError : public std::runtime_error {
 // already. Throws SchemaError.
 void CreateSchema(const std::string& connection_string);
 
-// Brings tables made by an earlier version up to date, in one transaction: adds the site's
-// own tables that are missing, the unique index on user names, the throttle's indexes and the
-// accounts lock row. Running it on an up-to-date database changes nothing. Throws SchemaError
-// (for instance when two accounts share a name, which the unique index refuses).
-void UpgradeSchema(const std::string& connection_string);
+// Brings tables made by an earlier version up to date: adds the site's own tables that are
+// missing, the throttle's indexes and the accounts lock row in one transaction (throws
+// SchemaError when that fails, changing nothing), then, in another, the unique index on user
+// names. When accounts already share a name the index cannot be made: the answer is a warning
+// naming them (and the next upgrade tries again), otherwise "". Running it on an up-to-date
+// database changes nothing.
+std::string UpgradeSchema(const std::string& connection_string);
 
 // What PrepareEmbeddedDatabase found or did.
 struct EmbeddedDatabaseReport {

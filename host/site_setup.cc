@@ -40,7 +40,9 @@ void PrepareDatabase(const std::string& connection_string) {
   }
   if (report.outcome == Outcome::kFailed) return;
   try {
-    UpgradeSchema(connection_string);
+    if (std::string warning = UpgradeSchema(connection_string); !warning.empty()) {
+      std::fprintf(stderr, "tidewell: warning: %s\n", warning.c_str());
+    }
     if (int hashed = HashPasswordsKeptAsTyped(connection_string); hashed > 0) {
       std::fprintf(stderr, "tidewell: replaced %d stored password%s with %s hash\n", hashed,
                    hashed == 1 ? "" : "s", hashed == 1 ? "its" : "their");

@@ -107,8 +107,8 @@ TYPED_TEST(Schema, UpgradeBringsAnEarlierDatabaseUpToDateAndThenChangesNothing) 
     this->connection_.Execute(Statement(statement));
   }
   this->connection_.Close();
-  UpgradeSchema(this->engine_.connection_string);
-  UpgradeSchema(this->engine_.connection_string);
+  EXPECT_EQ(UpgradeSchema(this->engine_.connection_string), "");
+  EXPECT_EQ(UpgradeSchema(this->engine_.connection_string), "");
   this->connection_.Open(this->engine_.connection_string);
   EXPECT_TRUE(this->connection_.TableExists("TidewellSettings"));
   EXPECT_TRUE(this->connection_.TableExists("LoginFailures"));
@@ -124,17 +124,29 @@ TYPED_TEST(Schema, UpgradeBringsAnEarlierDatabaseUpToDateAndThenChangesNothing) 
   EXPECT_EQ(users.RecordCount(), 1);
 }
 
-TYPED_TEST(Schema, UpgradeRefusesTwoAccountsOfOneNameAndChangesNothing) {
+// The rest of the upgrade still comes, so that the administrator can sign in and rename.
+TYPED_TEST(Schema, UpgradeNamesAccountsThatShareANameAndMakesNamesUniqueOnceTheyDoNot) {
   for (const char* statement :
        {"DROP TABLE LoginFailures", "DROP INDEX Users_Username_Unique",
+        "CREATE INDEX Users_Username ON Users (Username)",
         "INSERT INTO Users (OwnerKey, Username) VALUES ('k1', 'Bob')",
         "INSERT INTO Users (OwnerKey, Username) VALUES ('k2', 'bob')"}) {
     this->connection_.Execute(Statement(statement));
   }
   this->connection_.Close();
-  EXPECT_THROW(UpgradeSchema(this->engine_.connection_string), SchemaError);
+  const std::string warning = UpgradeSchema(this->engine_.connection_string);
+  EXPECT_NE(warning.find("more than one account is named \""), std::string::npos) << warning;
   this->connection_.Open(this->engine_.connection_string);
-  EXPECT_FALSE(this->connection_.TableExists("LoginFailures"));
+  EXPECT_TRUE(this->connection_.TableExists("LoginFailures"));
+  EXPECT_TRUE(this->IndexNames().contains("users_username"));
+  EXPECT_FALSE(this->IndexNames().contains("users_username_unique"));
+
+  this->connection_.Execute(Statement("UPDATE Users SET Username = 'Bobby' WHERE OwnerKey = 'k2'"));
+  this->connection_.Close();
+  EXPECT_EQ(UpgradeSchema(this->engine_.connection_string), "");
+  this->connection_.Open(this->engine_.connection_string);
+  EXPECT_TRUE(this->IndexNames().contains("users_username_unique"));
+  EXPECT_FALSE(this->IndexNames().contains("users_username"));
 }
 
 TYPED_TEST(Schema, RefusesWhenTheTablesExistAndChangesNothing) {
