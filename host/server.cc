@@ -39,8 +39,8 @@ Endpoint ParseEndpoint(const std::string& listen) {
 // comes from memory, anything else is not found. Called on the server's worker threads.
 class Site {
  public:
-  Site(const SiteConfig& config, LinkSigning signing, StaticAssets assets)
-      : config_(config), signing_(std::move(signing)), assets_(std::move(assets)) {}
+  Site(const SiteConfig& config, SiteSigning& signing, StaticAssets assets)
+      : config_(config), signing_(signing), assets_(std::move(assets)) {}
 
   HttpAnswer Answer(const HttpRequest& request) const {
     bool get = request.method == "GET" || request.method == "HEAD";
@@ -66,7 +66,7 @@ class Site {
   HttpAnswer AnswerPage(const PageConfig& page, const HttpRequest& request) const {
     HostAnswer host;
     try {
-      host = RunComponent(page, signing_, ToAspRequest(request));
+      host = RunComponent(page, signing_.Current(), ToAspRequest(request));
     } catch (const ado::DatabaseError& e) {
       // Its text may quote a value from the request; the log gets the number only.
       throw std::runtime_error("database error " + std::to_string(e.number()));
@@ -81,7 +81,7 @@ class Site {
   }
 
   const SiteConfig& config_;
-  LinkSigning signing_;
+  SiteSigning& signing_;
   StaticAssets assets_;
 };
 
@@ -99,7 +99,7 @@ HttpServerLimits LimitsOf(const SiteConfig& config) {
 int Serve(const SiteConfig& config, const std::string& listen) {
   Endpoint endpoint = ParseEndpoint(listen);
   PreparedSite prepared = PrepareSite(config);
-  Site site(config, prepared.signing, std::move(prepared.assets));
+  Site site(config, *prepared.signing, std::move(prepared.assets));
 
   HttpServer server([&site](const HttpRequest& request) { return site.Answer(request); },
                     LimitsOf(config), SecurityHeaders(config));

@@ -85,8 +85,8 @@ LinkSigning PrepareSigning(const SiteConfig& config) {
   } catch (const ado::DatabaseError& error) {
     // The component then signs with a secret of its own that lives as long as this process.
     std::fprintf(stderr,
-                 "tidewell: no LinkSecret configured and the database holds none (%s); "
-                 "links stay valid until this server stops\n",
+                 "tidewell: no LinkSecret configured and the database cannot give its own (%s); "
+                 "links signed until it can stay valid on this server only\n",
                  error.what());
   }
   return signing;
@@ -98,7 +98,7 @@ PreparedSite PrepareSite(const SiteConfig& config) {
     PrepareDatabase(connection_string);
   }
   std::string folder = config.asset_folder.empty() ? DefaultAssetFolder() : config.asset_folder;
-  return {PrepareSigning(config), StaticAssets::Load(folder)};
+  return {std::make_unique<SiteSigning>(config), StaticAssets::Load(folder)};
 }
 
 }  // namespace tidewell

@@ -1,16 +1,18 @@
 #pragma once
 
+#include <memory>
 #include <string>
 
 #include "component/link_keys.h"
 #include "host/config.h"
+#include "host/site_signing.h"
 #include "host/static_assets.h"
 
 namespace tidewell {
 
 // What the server makes ready once before it takes requests.
 struct PreparedSite {
-  LinkSigning signing;
+  std::unique_ptr<SiteSigning> signing;
   StaticAssets assets;
 };
 

@@ -52,6 +52,30 @@ TEST(PrepareSigning, ServersOnOnePostgresDatabaseShareTheSecretTheFirstOneMade) 
   EXPECT_EQ(PrepareSigning(config).secret, first);
 }
 
+// Servers and their database may start in any order: a server that found its database down
+// signs with a secret of its own until the database answers, then with the site's.
+TEST(SiteSigning, TakesTheDatabasesSecretOnceTheDatabaseAnswers) {
+  testing::TempFolder folder;
+  const std::string database = folder.path() + "/later/cal.db";
+  SiteConfig config = ConfigFor("ConnectionString = Provider=SQLite;Data Source=" + database + "\n");
+  SiteSigning signing(config, std::chrono::milliseconds(0));
+  EXPECT_EQ(signing.Current().secret, "");  // the component's own process secret
+  std::filesystem::create_directory(folder.path() + "/later");
+  CreateSchema("Provider=SQLite;Data Source=" + database);
+  const std::string kept = signing.Current().secret;
+  EXPECT_EQ(kept.size(), 64u);
+  EXPECT_EQ(kept, SiteLinkSecret("Provider=SQLite;Data Source=" + database));
+  EXPECT_EQ(signing.Current().secret, kept);
+}
+
+TEST(SiteSigning, AConfiguredSecretIsSettledAtOnce) {
+  SiteConfig config = ConfigFor(
+      "ConnectionString = Provider=SQLite;Data Source=/no/such/folder/cal.db\n"
+      "LinkSecret = configured-secret-0123\n");
+  SiteSigning signing(config, std::chrono::milliseconds(0));
+  EXPECT_EQ(signing.Current().secret, "configured-secret-0123");
+}
+
 // An in-memory database has no tables at start, so no secret to keep.
 TEST(PrepareSigning, WithoutAFileDatabaseTheSecretLastsAsLongAsTheProcess) {
   SiteConfig config = ConfigFor("ConnectionString = Provider=SQLite;Data Source=:memory:\n");
