@@ -54,6 +54,7 @@ bool AddFirstAdministrator(Page& page) {
     connection.BeginTrans();
     connection.Execute(LockAccountsStatement());
   } catch (const ado::DatabaseError& error) {
+    RollBack(connection);
     TrapUpdateError(page, error);
     return Refuse(page);
   }

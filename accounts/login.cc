@@ -3,6 +3,7 @@
 #include <openssl/evp.h>
 
 #include <mutex>
+#include <optional>
 #include <set>
 
 #include "accounts/account_statements.h"
@@ -74,6 +75,15 @@ bool VerifyAutoLoginPassword(const std::string& stored, std::string_view passwor
   if (verified.size() >= 64) verified.clear();  // a few AutoLogin pages, rarely changed
   verified.insert(std::move(remembered));
   return true;
+}
+
+// Whether the password is the account's stored one. A name without an account (no stored
+// hash) costs the same time as a wrong password, so the answer does not tell which exist.
+bool PasswordMatches(const std::optional<std::string>& stored, std::string_view password,
+                     LoginSource source) {
+  if (!stored) return VerifyAgainstNoAccount(password);
+  return source == LoginSource::kAutoLogin ? VerifyAutoLoginPassword(*stored, password)
+                                           : VerifyPassword(*stored, password);
 }
 
 void ReadAccount(Page& page, Recordset& rs) {
@@ -153,25 +163,24 @@ void LoadAccount(Page& page) {
 std::string LoginUser(Page& page, std::string_view user_name, std::string_view password,
                       LoginSource source) {
   try {
+    const bool throttled = source == LoginSource::kForm;
     LoginAttempt attempt;
-    if (source == LoginSource::kForm) attempt = AdmitLoginAttempt(page, user_name);
+    if (throttled) {
+      attempt = AdmitLoginAttempt(page, user_name);
+      if (!attempt.admitted) return RefuseLogin(page);
+    }
     Recordset rs;
-    if (source == LoginSource::kForm && !attempt.admitted) return RefuseLogin(page);
     rs.Open(LoginStatement(user_name), *page.Connection);
-    const bool known = !rs.Eof();
-    const std::string stored = known ? CStrOrBlank(rs.Fields("Password").Value()) : "";
-    const bool matches = source == LoginSource::kAutoLogin
-                             ? VerifyAutoLoginPassword(stored, password)
-                             : known ? VerifyPassword(stored, password)
-                                     : VerifyAgainstNoAccount(password);
-    if (!matches) return RefuseLogin(page);
-    if (source == LoginSource::kForm) ForgetLoginAttempt(page, attempt);
+    std::optional<std::string> stored;
+    if (!rs.Eof()) stored = CStrOrBlank(rs.Fields("Password").Value());
+    if (!PasswordMatches(stored, password, source)) return RefuseLogin(page);
+    if (throttled) ForgetLoginAttempt(page, attempt);
     page.Screen = CLng(rs.Fields("DefaultView").Value());
     page.ReturnView = page.Screen;
     UserOptions options = ReadUserOptions(CStrOrBlank(rs.Fields("Options").Value()));
     if (options.start_hour) page.CurrentHour = *options.start_hour;
     std::string key = CStrOrBlank(rs.Fields("OwnerKey").Value());
-    page.Stamps.Set(key, stored);
+    page.Stamps.Set(key, *stored);
     return key;
   } catch (const ado::DatabaseError& error) {
     TrapDatabaseError(page, error);
