@@ -6,12 +6,15 @@
 #include <cstdio>
 #include <cstdlib>
 #include <limits>
+#include <list>
 #include <optional>
 #include <set>
+#include <unordered_map>
 
 #include "data/database_error.h"
 #include "data/dialect_translation.h"
 #include "data/iso_dates.h"
+#include "data/postgres_statement.h"
 
 namespace tidewell::ado {
 namespace {
@@ -20,6 +23,21 @@ namespace {
 constexpr Oid kBoolOid = 16, kInt8Oid = 20, kInt2Oid = 21, kInt4Oid = 23;
 constexpr Oid kFloat4Oid = 700, kFloat8Oid = 701, kNumericOid = 1700;
 constexpr Oid kDateOid = 1082, kTimestampOid = 1114, kTimestampTzOid = 1184;
+
+// Prepared statements a session keeps; the least recently used one goes when another comes.
+constexpr size_t kPreparedStatementsPerSession = 64;
+
+Oid OidOf(LiteralType type) {
+  switch (type) {
+    case LiteralType::kInteger:
+      return kInt4Oid;
+    case LiteralType::kBigint:
+      return kInt8Oid;
+    case LiteralType::kUntyped:
+      break;
+  }
+  return 0;  // the engine infers it from the context, as for a quoted literal
+}
 
 // Settings every session runs with: dates read month first (the SQL Server dialect) and
 // written as ISO text, backslashes in quoted values taken literally.
@@ -139,13 +157,32 @@ class PostgresSession : public Session {
   explicit PostgresSession(PGconn* conn) : conn_(conn) {}
   ~PostgresSession() override { PQfinish(conn_); }
 
+  // Statements that differ only in their values (a day of a month view, a user) share one
+  // statement the engine parsed and planned once for this session: the values are taken out
+  // of the text (ShapePostgresStatement) and sent as parameters.
   Rows Run(std::string_view statement) override {
-    return Execute(TranslateSqlServerForPostgres(statement), {});
+    PostgresStatement shaped = ShapePostgresStatement(TranslateSqlServerForPostgres(statement));
+    if (!shaped.preparable) return Execute(shaped.shape, {});
+    std::vector<std::optional<std::string>> values;
+    std::vector<Oid> types;
+    values.reserve(shaped.parameters.size());
+    types.reserve(shaped.parameters.size());
+    for (PostgresParameter& parameter : shaped.parameters) {
+      values.emplace_back(std::move(parameter.value));
+      types.push_back(OidOf(parameter.type));
+    }
+    return ExecutePrepared(shaped.shape, values, types);
   }
 
   Rows RunBound(std::string_view native_text, const std::vector<Variant>& values) override {
-    return Execute(std::string(native_text), values);
+    std::vector<std::optional<std::string>> texts;
+    for (const Variant& value : values) texts.push_back(ParameterText(value));
+    if (!CanPrepare(native_text)) return Execute(std::string(native_text), texts);
+    return ExecutePrepared(std::string(native_text), texts,
+                           std::vector<Oid>(texts.size(), /*inferred=*/0));
   }
+
+  StatementCounts Counts() const override { return counts_; }
 
   std::string Parameter(int n) const override { return "$" + std::to_string(n); }
 
@@ -178,22 +215,101 @@ class PostgresSession : public Session {
   }
 
  private:
-  Rows Execute(const std::string& text, const std::vector<Variant>& values) {
-    std::vector<std::optional<std::string>> texts;
-    for (const Variant& value : values) texts.push_back(ParameterText(value));
-    std::vector<const char*> pointers;
-    for (const auto& t : texts) pointers.push_back(t ? t->c_str() : nullptr);
+  // A statement sent with its text, parsed and planned for this one run.
+  Rows Execute(const std::string& text, const std::vector<std::optional<std::string>>& values) {
+    std::vector<const char*> pointers = PointersTo(values);
+    ++counts_.run;
     Result result(PQexecParams(conn_, text.c_str(), static_cast<int>(pointers.size()), nullptr,
                                pointers.data(), nullptr, nullptr, 0));
-    ExecStatusType status = result ? PQresultStatus(result.get()) : PGRES_FATAL_ERROR;
-    if (status != PGRES_TUPLES_OK && status != PGRES_COMMAND_OK) RaiseError(result.get());
+    if (!Succeeded(result.get())) RaiseError(result.get());
     return ReadRows(result.get());
+  }
+
+  // A statement run as the session's prepared statement for its text and parameter types,
+  // prepared first when the session has none.
+  Rows ExecutePrepared(const std::string& shape, const std::vector<std::optional<std::string>>& values,
+                       const std::vector<Oid>& types) {
+    std::string key = shape;
+    key += '\0';
+    for (Oid type : types) key += std::to_string(type) + ",";
+    const std::string& name = PreparedName(key, shape, types);
+    std::vector<const char*> pointers = PointersTo(values);
+    ++counts_.run;
+    Result result(PQexecPrepared(conn_, name.c_str(), static_cast<int>(pointers.size()),
+                                 pointers.data(), nullptr, nullptr, 0));
+    if (Succeeded(result.get())) return ReadRows(result.get());
+    // The engine may have let the statement go (DISCARD ALL), or a table it reads changed its
+    // columns. Outside a transaction the statement is prepared anew and run once more; inside
+    // one the transaction is already failed, so the error stands.
+    const char* sqlstate = result ? PQresultErrorField(result.get(), PG_DIAG_SQLSTATE) : nullptr;
+    const char* message = result ? PQresultErrorField(result.get(), PG_DIAG_MESSAGE_PRIMARY) : nullptr;
+    const std::string_view state = sqlstate ? sqlstate : "";
+    const bool gone = state == "26000";
+    const bool reshaped = state == "0A000" && message &&
+                          std::string_view(message).starts_with("cached plan must not change");
+    if ((gone || reshaped) && PQstatus(conn_) == CONNECTION_OK) {
+      Forget(key);
+      if (PQtransactionStatus(conn_) == PQTRANS_IDLE) {
+        const std::string& again = PreparedName(key, shape, types);
+        ++counts_.run;
+        result.reset(PQexecPrepared(conn_, again.c_str(), static_cast<int>(pointers.size()),
+                                    pointers.data(), nullptr, nullptr, 0));
+        if (Succeeded(result.get())) return ReadRows(result.get());
+      }
+    }
+    RaiseError(result.get());
+  }
+
+  // The name of the session's prepared statement for `key`, prepared now when there is none.
+  const std::string& PreparedName(const std::string& key, const std::string& shape,
+                                  const std::vector<Oid>& types) {
+    if (auto found = prepared_.find(key); found != prepared_.end()) {
+      recent_.splice(recent_.begin(), recent_, found->second.position);
+      return found->second.name;
+    }
+    if (prepared_.size() >= kPreparedStatementsPerSession) Forget(recent_.back());
+    std::string name = "tidewell_" + std::to_string(++last_name_);
+    Result result(PQprepare(conn_, name.c_str(), shape.c_str(), static_cast<int>(types.size()),
+                            types.data()));
+    if (!Succeeded(result.get())) RaiseError(result.get());
+    ++counts_.prepared;
+    recent_.push_front(key);
+    return prepared_.emplace(key, PreparedStatement{std::move(name), recent_.begin()})
+        .first->second.name;
+  }
+
+  // Lets the engine drop the prepared statement for `key` and forgets it.
+  void Forget(const std::string& key) {
+    auto found = prepared_.find(key);
+    if (found == prepared_.end()) return;
+    // Inside a failed transaction DEALLOCATE fails too: the name then stays on the server
+    // until the session closes, unused, and does no harm.
+    if (PQstatus(conn_) == CONNECTION_OK) {
+      Result ignored(PQexec(conn_, ("DEALLOCATE " + found->second.name).c_str()));
+    }
+    recent_.erase(found->second.position);
+    prepared_.erase(found);
+  }
+
+  static std::vector<const char*> PointersTo(const std::vector<std::optional<std::string>>& values) {
+    std::vector<const char*> pointers;
+    pointers.reserve(values.size());
+    for (const auto& value : values) pointers.push_back(value ? value->c_str() : nullptr);
+    return pointers;
+  }
+
+  static bool Succeeded(const PGresult* result) {
+    ExecStatusType status = result ? PQresultStatus(result) : PGRES_FATAL_ERROR;
+    return status == PGRES_TUPLES_OK || status == PGRES_COMMAND_OK;
   }
 
   [[noreturn]] void RaiseError(const PGresult* result) {
     const char* sqlstate = result ? PQresultErrorField(result, PG_DIAG_SQLSTATE) : nullptr;
     const char* message = result ? PQresultErrorField(result, PG_DIAG_MESSAGE_PRIMARY) : nullptr;
     if (PQstatus(conn_) != CONNECTION_OK || message == nullptr) {
+      // The statements this session prepared went with the link; the pool drops the session.
+      prepared_.clear();
+      recent_.clear();
       throw DatabaseError(error_numbers::kFail, ConnectionFailureText(conn_));
     }
     throw DatabaseError(ErrorNumberOf(sqlstate ? sqlstate : ""), message);
@@ -219,6 +335,14 @@ class PostgresSession : public Session {
   }
 
   PGconn* conn_;
+  struct PreparedStatement {
+    std::string name;
+    std::list<std::string>::iterator position;  // in recent_
+  };
+  std::unordered_map<std::string, PreparedStatement> prepared_;  // by shape and types
+  std::list<std::string> recent_;  // keys, most recently used first
+  long long last_name_ = 0;
+  StatementCounts counts_;
 };
 
 // The keywords libpq understands; anything else in the connection string is a mistake in it.

@@ -23,6 +23,14 @@ struct Rows {
   long affected = 0;
 };
 
+// What a session did since it opened: statements it had the engine prepare, and statements
+// it ran (prepared, reused or sent as text). A statement of a shape the session has run
+// before is run without being prepared again.
+struct StatementCounts {
+  long long prepared = 0;
+  long long run = 0;
+};
+
 // One open conversation with a database engine: what a provider offers the Connection and
 // Recordset. Sessions outlive requests in a pool (see AcquireSession); one thread uses a
 // session at a time. Every failure is a DatabaseError with the engine's own message.
@@ -45,6 +53,8 @@ class Session {
 
   // False once the link to the engine broke: the pool then drops the session.
   virtual bool Reusable() const { return true; }
+
+  virtual StatementCounts Counts() const { return {}; }
 };
 
 // Opens a new session for the settings; throws DatabaseError when the engine refuses.
@@ -55,13 +65,18 @@ using SessionFactory = std::function<std::unique_ptr<Session>(const ConnectionSe
 void RegisterProvider(const std::string& name, SessionFactory factory);
 
 // A session for the connection string: an idle one from the string's pool when there is one,
-// otherwise a new one from the provider the string names. `provider` receives the provider's
+// otherwise a new one from the provider the string names. A pool holds at most "Max Pool
+// Size" sessions at once (16 unless the connection string says otherwise), handed out and
+// idle together; when all are in use the call waits for one to come back, up to "Pool
+// Timeout" seconds (5 unless the string says otherwise), and then fails with E_FAIL. Both
+// keys are the pool's and never reach the provider. `provider` receives the provider's
 // registered name. Throws DatabaseError.
 std::unique_ptr<Session> AcquireSession(const std::string& connection_string,
                                         std::string* provider);
 
-// Gives a session back to the connection string's pool (or closes it when the pool is full or
-// the session is no longer reusable).
+// Gives a session back to the connection string's pool, or closes it when it is no longer
+// reusable. Every session AcquireSession handed out comes back here, a null one (closed by
+// its holder) included, so that the pool may open another in its place.
 void ReleaseSession(const std::string& connection_string, std::unique_ptr<Session> session);
 
 // Closes every idle pooled session, e.g. before a database is dropped or at shutdown.

@@ -1,6 +1,10 @@
-// The provider registry and the per-connection-string pools of idle sessions, the way the
+// The provider registry and the per-connection-string pools of sessions, the way the
 // original platform's resource pooling kept connections open between requests.
 
+#include <algorithm>
+#include <chrono>
+#include <condition_variable>
+#include <cstdlib>
 #include <map>
 #include <mutex>
 #include <vector>
@@ -13,13 +17,31 @@
 namespace tidewell::ado {
 namespace {
 
-// Idle sessions kept per connection string; more than this many are closed when released.
-constexpr size_t kIdleSessionsPerString = 16;
+// Sessions open at once per connection string (handed out and idle), unless the string's
+// "Max Pool Size" says otherwise; and how long a request waits for one of them when all are
+// in use ("Pool Timeout", in seconds) before it fails. Both keys belong to the pool: the
+// provider never sees them.
+constexpr size_t kDefaultMaxPoolSize = 16;
+constexpr double kDefaultPoolTimeoutSeconds = 5;
+constexpr const char* kMaxPoolSizeKey = "Max Pool Size";
+constexpr const char* kPoolTimeoutKey = "Pool Timeout";
+
+struct PoolLimits {
+  size_t max_sessions = kDefaultMaxPoolSize;
+  std::chrono::milliseconds wait{static_cast<long>(kDefaultPoolTimeoutSeconds * 1000)};
+};
+
+// One connection string's sessions: the idle ones, and how many are open in all.
+struct Pool {
+  std::vector<std::unique_ptr<Session>> idle;
+  size_t open = 0;
+};
 
 struct Registry {
   std::mutex mutex;
+  std::condition_variable session_freed;
   std::vector<std::pair<std::string, SessionFactory>> providers;
-  std::map<std::string, std::vector<std::unique_ptr<Session>>> idle;
+  std::map<std::string, Pool> pools;
 
   Registry() {
     providers.emplace_back("SQLite", OpenSqliteSession);
@@ -43,23 +65,76 @@ std::pair<std::string, SessionFactory> FindProvider(Registry& registry, const st
                           name + "; the providers are SQLite and PostgreSQL.)");
 }
 
-std::unique_ptr<Session> PopIdle(Registry& registry, const std::string& connection_string) {
-  std::lock_guard lock(registry.mutex);
-  auto found = registry.idle.find(connection_string);
-  if (found == registry.idle.end() || found->second.empty()) return nullptr;
-  std::unique_ptr<Session> session = std::move(found->second.back());
-  found->second.pop_back();
-  return session;
+[[noreturn]] void RaiseBadPoolSetting(const std::string& key, const std::string& value) {
+  throw DatabaseError(error_numbers::kInvalidArgument,
+                      "The connection string's " + key + " must be a whole number above 0, not \"" +
+                          value + "\".");
 }
 
-// A session whose engine went away while it was idle is dropped for the next one. The check
-// may touch the file or the socket, and dropping closes the session: both happen outside the
-// lock every request takes.
-std::unique_ptr<Session> TakeIdle(Registry& registry, const std::string& connection_string) {
-  while (std::unique_ptr<Session> session = PopIdle(registry, connection_string)) {
-    if (session->Reusable()) return session;
+// Takes the pool's own keys out of the settings and reads them.
+PoolLimits TakePoolLimits(ConnectionSettings& settings) {
+  PoolLimits limits;
+  auto& list = settings.settings;
+  for (auto it = list.begin(); it != list.end();) {
+    const bool size = EqualsIgnoringCase(it->first, kMaxPoolSizeKey);
+    const bool timeout = EqualsIgnoringCase(it->first, kPoolTimeoutKey);
+    if (!size && !timeout) {
+      ++it;
+      continue;
+    }
+    char* end = nullptr;
+    const long value = std::strtol(it->second.c_str(), &end, 10);
+    if (it->second.empty() || *end != '\0' || value <= 0 || value > 100000) {
+      RaiseBadPoolSetting(it->first, it->second);
+    }
+    if (size) limits.max_sessions = static_cast<size_t>(value);
+    if (timeout) limits.wait = std::chrono::seconds(value);
+    it = list.erase(it);
   }
-  return nullptr;
+  return limits;
+}
+
+// What a request gets from the pool: an idle session (still to be checked), or leave to
+// open a new one (counted as open already).
+struct Lease {
+  std::unique_ptr<Session> idle;
+  bool open_new = false;
+};
+
+// Waits, up to the limit, for an idle session or room for a new one. Throws E_FAIL when
+// neither came in time: every session is in use, so the request ends with the "DP" screen.
+Lease WaitForSession(Registry& registry, const std::string& connection_string,
+                     const PoolLimits& limits) {
+  std::unique_lock lock(registry.mutex);
+  Pool& pool = registry.pools[connection_string];
+  Lease lease;
+  const bool ready = registry.session_freed.wait_for(lock, limits.wait, [&] {
+    return !pool.idle.empty() || pool.open < limits.max_sessions;
+  });
+  if (!ready) {
+    throw DatabaseError(error_numbers::kFail,
+                        "Timeout expired. All " + std::to_string(limits.max_sessions) +
+                            " pooled connections were in use and none was released within " +
+                            std::to_string(limits.wait.count() / 1000) + " seconds.");
+  }
+  if (!pool.idle.empty()) {
+    lease.idle = std::move(pool.idle.back());
+    pool.idle.pop_back();
+  } else {
+    ++pool.open;
+    lease.open_new = true;
+  }
+  return lease;
+}
+
+// A session that closes, or one that was never opened, makes room for another.
+void CountClosed(Registry& registry, const std::string& connection_string) {
+  {
+    std::lock_guard lock(registry.mutex);
+    Pool& pool = registry.pools[connection_string];
+    if (pool.open > 0) --pool.open;
+  }
+  registry.session_freed.notify_one();
 }
 
 }  // namespace
@@ -80,29 +155,55 @@ std::unique_ptr<Session> AcquireSession(const std::string& connection_string,
                                         std::string* provider) {
   Registry& registry = TheRegistry();
   ConnectionSettings settings = ParseConnectionString(connection_string);
+  const PoolLimits limits = TakePoolLimits(settings);
   auto [name, factory] = FindProvider(registry, settings.provider);
   if (provider) *provider = name;
-  if (std::unique_ptr<Session> session = TakeIdle(registry, connection_string)) return session;
-  return factory(settings);
+  // A session whose engine went away while it was idle is dropped for the next one. The
+  // check may touch the file or the socket, and dropping closes the session: both happen
+  // outside the lock every request takes.
+  for (;;) {
+    Lease lease = WaitForSession(registry, connection_string, limits);
+    if (lease.idle) {
+      if (lease.idle->Reusable()) return std::move(lease.idle);
+      lease.idle.reset();
+      CountClosed(registry, connection_string);
+      continue;
+    }
+    try {
+      return factory(settings);
+    } catch (...) {
+      CountClosed(registry, connection_string);
+      throw;
+    }
+  }
 }
 
 void ReleaseSession(const std::string& connection_string, std::unique_ptr<Session> session) {
-  if (!session || !session->Reusable()) return;
   Registry& registry = TheRegistry();
-  std::unique_lock lock(registry.mutex);
-  auto& idle = registry.idle[connection_string];
-  if (idle.size() < kIdleSessionsPerString) idle.push_back(std::move(session));
-  lock.unlock();
-  // A session the pool did not take closes here, outside the lock.
+  if (session && session->Reusable()) {
+    {
+      std::lock_guard lock(registry.mutex);
+      registry.pools[connection_string].idle.push_back(std::move(session));
+    }
+    registry.session_freed.notify_one();
+    return;
+  }
+  session.reset();  // closes outside the lock
+  CountClosed(registry, connection_string);
 }
 
 void ClosePooledSessions() {
   Registry& registry = TheRegistry();
-  std::map<std::string, std::vector<std::unique_ptr<Session>>> closing;
+  std::vector<std::unique_ptr<Session>> closing;
   {
     std::lock_guard lock(registry.mutex);
-    closing.swap(registry.idle);
+    for (auto& [text, pool] : registry.pools) {
+      pool.open -= std::min(pool.open, pool.idle.size());
+      for (auto& session : pool.idle) closing.push_back(std::move(session));
+      pool.idle.clear();
+    }
   }
+  registry.session_freed.notify_all();
 }
 
 }  // namespace tidewell::ado

@@ -144,6 +144,8 @@ class SqliteSession : public Session {
 
   std::string Parameter(int n) const override { return "?" + std::to_string(n); }
 
+  StatementCounts Counts() const override { return counts_; }
+
   // A session inside a transaction, or on a file that was removed or replaced since the
   // session opened it, is not served again.
   bool Reusable() const override {
@@ -192,6 +194,7 @@ class SqliteSession : public Session {
                           "Characters found after end of SQL statement.");
     }
     Remember(text, stmt);
+    ++counts_.prepared;
     return stmt;
   }
 
@@ -270,6 +273,7 @@ class SqliteSession : public Session {
         sqlite3_clear_bindings(stmt);
       }
     } reset{stmt};
+    ++counts_.run;
     for (size_t i = 0; i < values.size(); ++i) Bind(stmt, static_cast<int>(i + 1), values[i]);
     Rows rows;
     const Columns& described = ColumnsOf(stmt);
@@ -336,6 +340,7 @@ class SqliteSession : public Session {
   std::unordered_map<std::string, SqliteStatement, TextHash, std::equal_to<>> translations_;
   std::map<std::string, bool> date_columns_;
   long schema_version_ = -1;
+  StatementCounts counts_;
 };
 
 // SQLite keeps counts of its memory for sqlite3_status, under a lock taken on every one of
