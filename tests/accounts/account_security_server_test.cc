@@ -274,7 +274,7 @@ TYPED_TEST(SeededSite, PasswordsKeptAsTypedAreHashedWhenAServerStarts) {
   ASSERT_NE(port, 0) << restarted->Log();
   const std::string stored = this->StoredPassword(this->carol_);
   EXPECT_TRUE(IsPasswordHash(stored)) << stored;
-  EXPECT_TRUE(Contains(restarted->Log(), "replaced 1 stored password with its hash"));
+  EXPECT_TRUE(restarted->WaitForLog("replaced 1 stored password with its hash"));
   EXPECT_TRUE(Contains(SiteClient(port).LogIn("carol", "as typed"), "<!-- MonthView  Start -->"));
 }
 

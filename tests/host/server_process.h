@@ -58,20 +58,36 @@ class ServerProcess {
   void Send(int signal) { kill(pid_, signal); }
 
   // Sends `signal` and returns the exit status (-1 when it did not exit normally in time).
+  // Everything the server wrote is in Log() afterwards.
   int Stop(int signal) {
     kill(pid_, signal);
-    for (int i = 0; i < 200; ++i) {
+    int result = -1;
+    bool done = false;
+    for (int i = 0; i < 200 && !done; ++i) {
       int status = 0;
       if (waitpid(pid_, &status, WNOHANG) == pid_) {
-        exited_ = true;
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+        result = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+        done = true;
+      } else {
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
       }
-      std::this_thread::sleep_for(std::chrono::milliseconds(50));
     }
-    kill(pid_, SIGKILL);
-    waitpid(pid_, nullptr, 0);
+    if (!done) {
+      kill(pid_, SIGKILL);
+      waitpid(pid_, nullptr, 0);
+    }
     exited_ = true;
-    return -1;
+    if (reader_.joinable()) reader_.join();  // the log up to the end of the pipe
+    return result;
+  }
+
+  // Whether the log holds `text`, waiting for it up to `wait`: the server writes some lines
+  // after the answer or the close that a test saw.
+  bool WaitForLog(const std::string& text, std::chrono::seconds wait = std::chrono::seconds(5)) {
+    std::unique_lock lock(mutex_);
+    return changed_.wait_for(lock, wait,
+                             [&] { return log_.find(text) != std::string::npos || eof_; }) &&
+           log_.find(text) != std::string::npos;
   }
 
   std::string Log() {
