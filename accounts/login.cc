@@ -1,7 +1,5 @@
 #include "accounts/login.h"
 
-#include <openssl/evp.h>
-
 #include <mutex>
 #include <optional>
 #include <set>
@@ -10,6 +8,7 @@
 #include "accounts/login_throttle.h"
 #include "accounts/password_hash.h"
 #include "accounts/user_options.h"
+#include "component/link_keys.h"
 #include "component/page.h"
 #include "data/open_database.h"
 #include "data/recordset.h"
@@ -62,10 +61,7 @@ bool VerifyAutoLoginPassword(const std::string& stored, std::string_view passwor
   std::string pair = stored;
   pair += '\0';
   pair += password;
-  unsigned char digest[EVP_MAX_MD_SIZE];
-  unsigned int length = 0;
-  EVP_Digest(pair.data(), pair.size(), digest, &length, EVP_sha256(), nullptr);
-  std::string remembered(reinterpret_cast<const char*>(digest), length);
+  std::string remembered = Sha256Hex(pair);
   {
     std::lock_guard lock(mutex);
     if (verified.contains(remembered)) return true;

@@ -1,7 +1,5 @@
 #include "accounts/login_throttle.h"
 
-#include <openssl/evp.h>
-
 #include "component/link_keys.h"
 #include "component/page.h"
 #include "data/recordset.h"
@@ -45,16 +43,7 @@ std::string AccountSubject(std::string_view user_name) {
   for (char& c : folded) {
     if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
   }
-  unsigned char digest[EVP_MAX_MD_SIZE];
-  unsigned int length = 0;
-  EVP_Digest(folded.data(), folded.size(), digest, &length, EVP_sha256(), nullptr);
-  static constexpr char kDigits[] = "0123456789abcdef";
-  std::string subject = "account:";
-  for (unsigned int i = 0; i < length; ++i) {
-    subject += kDigits[digest[i] >> 4];
-    subject += kDigits[digest[i] & 0xF];
-  }
-  return subject;
+  return "account:" + Sha256Hex(folded);
 }
 
 // Writes one entry and answers whether the subject is still within its limit, this entry

@@ -79,6 +79,13 @@ bool IsOwnerKey(std::string_view key) {
   return key.size() == kKeyDigits && IsLowerHex(key);
 }
 
+std::string Sha256Hex(std::string_view text) {
+  unsigned char digest[EVP_MAX_MD_SIZE];
+  unsigned int length = 0;
+  EVP_Digest(text.data(), text.size(), digest, &length, EVP_sha256(), nullptr);
+  return Hex(digest, length);
+}
+
 std::string SiteSignature(const LinkSigning& signing, std::string_view message) {
   const std::string& secret = signing.secret.empty() ? ProcessSecret() : signing.secret;
   unsigned char digest[EVP_MAX_MD_SIZE];

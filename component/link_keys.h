@@ -63,6 +63,10 @@ bool MacMatches(const LinkSigning& signing, const SignedKey& key, std::string_vi
 std::optional<std::string> CheckSignedKey(const LinkSigning& signing, std::string_view signed_key,
                                           std::string_view stamp);
 
+// SHA-256 of `text` in lower-case hex: for values kept or compared without keeping the text
+// itself (the throttle's account names, the AutoLogin check's memory).
+std::string Sha256Hex(std::string_view text);
+
 // HMAC-SHA256 of `message` with the site's secret, in lower-case hex, for other values the
 // site derives and must not be forgeable (the password fields' stand-ins).
 std::string SiteSignature(const LinkSigning& signing, std::string_view message);
