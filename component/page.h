@@ -95,6 +95,9 @@ struct Page {
   std::string UserBanner;
   long UserGroupId = 0;
   CurrentUser User;
+  // The group whose items the user's lists show (0: only his own), once the first list of the
+  // request has read it (views/list_reading.h).
+  std::optional<long> GroupScope;
   long BrowserKind = browsers::kExplorer;
 
   bool ViewSourceMode = false;

@@ -11,23 +11,6 @@
 namespace tidewell {
 namespace {
 
-// How many rows a list fetches and how many it shows: the one more tells that more exist.
-struct ListLimit {
-  long fetched;
-  long shown;
-};
-
-ListLimit LimitOf(long mode) {
-  switch (mode) {
-    case list_modes::kMonthCell:
-      return {6, 5};
-    case list_modes::kWeekRow:
-      return {5, 4};
-    default:
-      return {3, 2};
-  }
-}
-
 // A month cell has room for 7 characters: a longer heading shows its first 7 and "..".
 // Characters, not bytes, so that a heading in any script is cut between two of them.
 void AppendCellHeading(std::string& out, std::string_view heading) {
@@ -120,16 +103,25 @@ void AppendMoreClosing(std::string& out, const Page& page, long mode,
 
 }  // namespace
 
+ListLimit LimitOf(long mode) {
+  switch (mode) {
+    case list_modes::kMonthCell:
+      return {6, 5};
+    case list_modes::kWeekRow:
+      return {5, 4};
+    default:
+      return {3, 2};
+  }
+}
+
 std::string DayListMarkup(const Page& page, long mode, const std::string& link_date,
-                          ado::Recordset& rs) {
-  const ListLimit limit = LimitOf(mode);
-  const bool more = rs.RecordCount() >= limit.fetched;
+                          const DayList& items) {
+  const long shown = LimitOf(mode).shown;
   std::string list;
-  list.reserve(static_cast<size_t>(limit.shown) * 512);
-  const ItemReader reader(rs, /*time_table=*/false);
-  for (long written = 1; !rs.Eof(); ++written) {
-    const ItemRow row = reader.Read();
-    const bool last = more && written == limit.shown;
+  list.reserve(static_cast<size_t>(shown) * 512);
+  for (size_t i = 0; i < items.rows.size(); ++i) {
+    const ItemRow& row = items.rows[i];
+    const bool last = items.more && static_cast<long>(i) + 1 == shown;
     // A month cell starts each item on a new line below the day number; the week and day
     // rows end each with a break, and the last break is cut below.
     if (mode == list_modes::kMonthCell) list += "<br>";
@@ -137,10 +129,19 @@ std::string DayListMarkup(const Page& page, long mode, const std::string& link_d
     AppendItemLink(list, page, mode, link_date, row);
     if (last) AppendMoreClosing(list, page, mode, link_date, row);
     if (mode != list_modes::kMonthCell) list += "<br>";
-    if (last) break;
-    rs.MoveNext();
   }
   if (list.ends_with("<br>")) list.resize(list.size() - 4);
+  return list;
+}
+
+DayList ReadDayList(long mode, ado::Recordset& rs) {
+  const ListLimit limit = LimitOf(mode);
+  DayList list;
+  list.more = rs.RecordCount() >= limit.fetched;
+  const ItemReader reader(rs, /*time_table=*/false);
+  for (; !rs.Eof() && static_cast<long>(list.rows.size()) < limit.shown; rs.MoveNext()) {
+    list.rows.push_back(reader.Read());
+  }
   return list;
 }
 

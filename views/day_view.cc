@@ -1,6 +1,7 @@
 #include "views/day_view.h"
 
 #include <string>
+#include <vector>
 
 #include "component/link_codec.h"
 #include "component/page.h"
@@ -8,7 +9,7 @@
 #include "runtime/clock.h"
 #include "runtime/conversions.h"
 #include "runtime/dates.h"
-#include "views/item_list.h"
+#include "views/view_lists.h"
 #include "views/view_markup.h"
 #include "views/view_snapshot.h"
 
@@ -86,35 +87,50 @@ void AppendHourRow(Page& page, Date date, long hour, const std::string& items) {
       "<td class=text align=left valign=middle width=560 height=38>" + items + "</td>" + "</tr>";
 }
 
+// The twelve hours the view shows from CurrentHour, across midnight into the next day.
+std::vector<ListCell> HoursOf(const Page& page) {
+  Date date = page.CurrentDate;
+  long hour = page.CurrentHour;
+  std::vector<ListCell> hours;
+  for (int row = 0; row < 12; ++row) {
+    hours.push_back({date, hour});
+    if (++hour == 24) {
+      hour = 0;
+      date = DateAdd("d", 1, date);
+    }
+  }
+  return hours;
+}
+
 }  // namespace
 
-void DayView(Page& page) {
+void DayView(Page& page, ListReading reading) {
   const std::string saved_page = page.PageBuffer;
   ViewSnapshot snapshot(page);
+  ViewLists lists(page, list_modes::kDayRow, HoursOf(page), reading);
   const Paging paging = PagingOf(page);
   page.PageBuffer += "<!-- DayView  start -->";
   AppendPagingTitleBar(page, {paging.previous_title, ViewLink(page, paging.previous)},
                        {paging.next_title, ViewLink(page, paging.next)}, paging.title);
   AppendBodyTable(page);
 
-  Date date = page.CurrentDate;
-  long hour = page.CurrentHour;
-  for (int row = 0; row < 12; ++row) {
-    page.PageBuffer += RowOpening(page, date, hour);
-    const std::string items = BuildItemList(page, list_modes::kDayRow, date, hour);
+  for (size_t row = 0; row < 12; ++row) {
+    const ListCell& hour = lists.Cell(row);
+    page.PageBuffer += RowOpening(page, hour.day, *hour.hour);
+    const std::string items = lists.ListOf(row);
     if (page.ErrorFlag) {
       page.PageBuffer = saved_page;
       return;
     }
-    AppendHourRow(page, date, hour, items);
-    if (++hour == 24) {
-      hour = 0;
-      date = DateAdd("d", 1, date);
-    }
+    AppendHourRow(page, hour.day, *hour.hour, items);
   }
   page.PageBuffer += "</table>";
   page.PageBuffer += "<!-- DayView end -->";
   ReplaceHeight(page, ByBrowser(page, /*standard=*/545, /*navigator=*/617, /*opera=*/555));
+}
+
+void DayView(Page& page) {
+  DayView(page, ListReading::kOnePerView);
 }
 
 }  // namespace tidewell

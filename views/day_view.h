@@ -1,5 +1,7 @@
 #pragma once
 
+#include "views/list_reading.h"
+
 namespace tidewell {
 
 struct Page;
@@ -10,5 +12,7 @@ struct Page;
 // with Show12HourDay by whole days at the same hour. When an item list fails, the view is
 // taken back and the error screen follows it.
 void DayView(Page& page);
+// The same with the item lists read as `reading` says (list_reading.h).
+void DayView(Page& page, ListReading reading);
 
 }  // namespace tidewell

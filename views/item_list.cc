@@ -10,6 +10,7 @@
 #include "runtime/date_text.h"
 #include "runtime/dates.h"
 #include "views/item_list_statements.h"
+#include "views/list_reading.h"
 #include "views/item_rows.h"
 #include "views/option_lists.h"
 
@@ -34,39 +35,19 @@ ListDay ReadListDay(std::string& date) {
   return {date, ShortDateText(*day)};
 }
 
-// The request's connection; a page drawn without one fails as a closed connection fails.
-ado::Connection& ConnectionOf(Page& page) {
-  if (!page.Connection) {
-    throw ado::DatabaseError(ado::error_numbers::kObjectClosed,
-                             "Operation is not allowed when the object is closed.");
-  }
-  return *page.Connection;
-}
-
-// The current user's group when his lists show the whole group, else 0 (his own items).
-long GroupScope(Page& page) {
-  if (!page.User.ShowAllGroupUsers) return 0;
-  Recordset rs;
-  rs.Open(GroupScopeStatement(page.UserKey), ConnectionOf(page));
-  const long group =
-      rs.Eof() || rs.Fields("GroupID").Value().IsNull() ? 0 : CLng(rs.Fields("GroupID").Value());
-  rs.Close();
-  return group;
-}
-
 std::string ItemListOf(Page& page, long mode, const ListDay& day, long hour) {
-  const ListOwner owner{page.UserKey, GroupScope(page)};
+  const ListOwner owner{page.UserKey, ListGroupScope(page)};
   const std::string sort = ExpandSortCode(page.SortOrder, mode);
   Recordset rs;
   std::string list;
   if (mode == list_modes::kTimeTable) {
     rs.Open(TimeTableStatement(day.statement_text, hour, owner, sort, page.props.DataServer),
-            ConnectionOf(page));
+            ListConnection(page));
     list = TimeTableMarkup(page, day.link_text, hour, sort, rs);
   } else {
     rs.Open(DayListStatement(mode, day.statement_text, hour, owner, sort, page.props.DataServer),
-            ConnectionOf(page));
-    list = DayListMarkup(page, mode, day.link_text, rs);
+            ListConnection(page));
+    list = DayListMarkup(page, mode, day.link_text, ReadDayList(mode, rs));
   }
   rs.Close();
   return list;
@@ -74,14 +55,14 @@ std::string ItemListOf(Page& page, long mode, const ListDay& day, long hour) {
 
 // The option lists of the forms; mode 8 takes the list's name from the date argument.
 std::string OptionListOf(Page& page, long mode, const std::string& name) {
-  ConnectionOf(page);  // every list below reads through it
+  ListConnection(page);  // every list below reads through it
   switch (mode) {
     case list_modes::kItemOwners:
       return ItemOwnerOptions(page);
     case list_modes::kUsersOrGroups:
       return UserOrGroupOptions(page, name);
     default:
-      return SearchOwnerOptions(page, GroupScope(page));
+      return SearchOwnerOptions(page, ListGroupScope(page));
   }
 }
 
@@ -102,24 +83,47 @@ std::string ListOf(Page& page, long mode, const std::string& date, long hour, co
   }
 }
 
-// Runs the list under the list builder's error trap.
+// Runs the list under the lists' error trap.
 std::string TrappedList(Page& page, long mode, const std::string& date, long hour,
                         const ListDay& day) {
-  std::string list;
-  try {
-    list = ListOf(page, mode, date, hour, day);
-  } catch (const ado::DatabaseError& error) {
-    TrapListError(page, error);
-    list.clear();
-  } catch (const AutomationError& error) {
-    // A value the run time could not convert stops the list the same way.
-    TrapListError(page, ado::DatabaseError(error.number(), error.what()));
-    list.clear();
-  }
+  const std::string list =
+      TrapListFailure(page, [&] { return ListOf(page, mode, date, hour, day); });
   return list.empty() ? "&nbsp;" : list;
 }
 
 }  // namespace
+
+ado::Connection& ListConnection(Page& page) {
+  if (!page.Connection) {
+    throw ado::DatabaseError(ado::error_numbers::kObjectClosed,
+                             "Operation is not allowed when the object is closed.");
+  }
+  return *page.Connection;
+}
+
+long ListGroupScope(Page& page) {
+  if (!page.User.ShowAllGroupUsers) return 0;
+  if (page.GroupScope) return *page.GroupScope;
+  Recordset rs;
+  rs.Open(GroupScopeStatement(page.UserKey), ListConnection(page));
+  const long group =
+      rs.Eof() || rs.Fields("GroupID").Value().IsNull() ? 0 : CLng(rs.Fields("GroupID").Value());
+  rs.Close();
+  page.GroupScope = group;
+  return group;
+}
+
+std::string TrapListFailure(Page& page, const std::function<std::string()>& read) {
+  try {
+    return read();
+  } catch (const ado::DatabaseError& error) {
+    TrapListError(page, error);
+  } catch (const AutomationError& error) {
+    // A value the run time could not convert stops the list the same way.
+    TrapListError(page, ado::DatabaseError(error.number(), error.what()));
+  }
+  return "";
+}
 
 std::string BuildItemList(Page& page, long mode, std::string& date, long hour) {
   const ListDay day = ReadListDay(date);

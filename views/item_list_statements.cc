@@ -29,7 +29,9 @@ Statement& AddSort(Statement& statement, std::string_view sort) {
   return statement.Number(sort);
 }
 
-// " AND Items.OwnerKey = '" K "' ORDER BY " S, or " AND GroupID = " G " ORDER BY " S.
+// " AND Items.OwnerKey = '" K "' ORDER BY " S ", ItemID", or the same with " AND GroupID = "
+// G. ItemID comes last so that items equal in every sorted column keep one order, whichever
+// statement read them and however the engine chose to read it.
 Statement& AddOwnerAndSort(Statement& statement, const ListOwner& owner, std::string_view sort) {
   if (owner.group_id != 0) {
     statement.Add(" AND GroupID = ").Number(owner.group_id);
@@ -37,7 +39,14 @@ Statement& AddOwnerAndSort(Statement& statement, const ListOwner& owner, std::st
     statement.Add(" AND Items.OwnerKey = ").Text(owner.owner_key);
   }
   statement.Add(" ORDER BY ");
-  return AddSort(statement, sort);
+  return AddSort(statement, sort).Add(", ItemID");
+}
+
+// "DateStamp = d", with " AND TimeStamp = h" for a cell that is one hour.
+Statement& AddCellCondition(Statement& statement, const ListCell& cell, ASPDataServer dialect) {
+  statement.Add("DateStamp = ").DateValue(cell.day, dialect);
+  if (cell.hour) statement.Add(" AND TimeStamp = ").Number(*cell.hour);
+  return statement;
 }
 
 Statement DayListBeginning(long mode) {
@@ -90,6 +99,27 @@ Statement DayListStatement(long mode, std::string_view date, long hour, const Li
   Statement statement = DayListBeginning(mode);
   statement.DateText(date, dialect);
   if (mode == list_modes::kDayRow) statement.Add(" AND TimeStamp = ").Number(hour);
+  AddOwnerAndSort(statement, owner, sort);
+  return statement;
+}
+
+bool IsNamedSort(std::string_view sort) {
+  for (const char* clause : kSortClauses) {
+    if (sort == clause) return true;
+  }
+  return false;
+}
+
+Statement ViewListStatement(std::span<const ListCell> cells, const ListOwner& owner,
+                            std::string_view sort, ASPDataServer dialect) {
+  Statement statement(
+      "SELECT ItemID, Heading, TimeStamp, TimeText, Urgent, Initials, Complete, DateStamp FROM "
+      "Items INNER JOIN Users ON Items.OwnerKey = Users.OwnerKey WHERE (");
+  for (size_t i = 0; i < cells.size(); ++i) {
+    statement.Add(i == 0 ? "(" : " OR (");
+    AddCellCondition(statement, cells[i], dialect).Add(")");
+  }
+  statement.Add(")");
   AddOwnerAndSort(statement, owner, sort);
   return statement;
 }

@@ -1,10 +1,13 @@
 #pragma once
 
+#include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
 #include "component/properties.h"
 #include "data/statement.h"
+#include "runtime/variant.h"
 
 namespace tidewell {
 
@@ -30,12 +33,31 @@ ado::Statement GroupScopeStatement(std::string_view owner_key);
 // by TimeText DESC), so the time column sorts on the text, not on the hour.
 std::string ExpandSortCode(std::string_view code, long mode);
 
+// Whether `sort` is one of the orders the lists name: the two defaults and the time view
+// headers' orders. Any other order is a column's position that a hand-written link asked for.
+bool IsNamedSort(std::string_view sort);
+
+// Each list sorts by its order and then by ItemID, so that equal items keep one order.
+
 // The items of one day for a month cell (mode 0, TOP 6) or a week row (mode 1, TOP 5), or of
 // one hour of a day for a day view row (mode 2, TOP 3): one row more than the list shows, to
 // tell that more exist. `date` is the m/d/yyyy text the list splices between the dialect's
 // delimiters; `sort` an expanded sort order.
 ado::Statement DayListStatement(long mode, std::string_view date, long hour, const ListOwner& owner,
                                 std::string_view sort, ASPDataServer dialect);
+
+// One cell of a view: a day of the month or week view, or one hour of a day in the day view.
+struct ListCell {
+  Date day;
+  std::optional<long> hour;
+};
+
+// The items of every cell of a view at once: the day lists' columns and DateStamp, for exactly
+// the items the cells' own day list statements would select (their conditions joined by OR),
+// in the same order (`sort` must be a named sort, see IsNamedSort), and without TOP: the view
+// deals the rows out to its cells and cuts each list itself.
+ado::Statement ViewListStatement(std::span<const ListCell> cells, const ListOwner& owner,
+                                 std::string_view sort, ASPDataServer dialect);
 
 // Every item of one hour with its owner's initials and name, for the time view's table.
 ado::Statement TimeTableStatement(std::string_view date, long hour, const ListOwner& owner,

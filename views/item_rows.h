@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "data/recordset.h"
 
@@ -41,10 +42,29 @@ class ItemReader {
   std::optional<ado::Field> owner_key_, user_name_, description_;
 };
 
-// Modes 0 to 2: the item links of a month cell, a week row or a day view hour, read from the
-// open recordset, "" when it holds none. `link_date` is the day as the links carry it.
+// How many rows a day list (modes 0 to 2) fetches and how many it shows: the one row more
+// tells that more exist. A month cell fetches 6 and shows 5, a week row 5 and 4, a day view
+// hour 3 and 2.
+struct ListLimit {
+  long fetched;
+  long shown;
+};
+ListLimit LimitOf(long mode);
+
+// What a day list shows: its first rows, as many as it shows at most, and whether it fetched
+// a row more than that.
+struct DayList {
+  std::vector<ItemRow> rows;
+  bool more = false;
+};
+
+// The day list of `mode` from the open recordset of its statement (TOP `fetched`).
+DayList ReadDayList(long mode, ado::Recordset& rs);
+
+// Modes 0 to 2: the item links of a month cell, a week row or a day view hour, "" when the
+// list holds none. `link_date` is the day as the links carry it.
 std::string DayListMarkup(const Page& page, long mode, const std::string& link_date,
-                          ado::Recordset& rs);
+                          const DayList& items);
 
 // Mode 3: the time view's table of the hour's items, with the sortable headers. `sort` is the
 // expanded sort order the statement used.

@@ -1,6 +1,7 @@
 #include "views/month_view.h"
 
 #include <string>
+#include <vector>
 
 #include "component/date_helpers.h"
 #include "component/link_codec.h"
@@ -9,7 +10,7 @@
 #include "runtime/clock.h"
 #include "runtime/conversions.h"
 #include "runtime/dates.h"
-#include "views/item_list.h"
+#include "views/view_lists.h"
 #include "views/view_markup.h"
 #include "views/view_snapshot.h"
 
@@ -18,13 +19,41 @@ namespace {
 
 enum class CellKind { kNeighbouring, kCurrent };
 
-// One month being drawn: what every cell needs, and the page as it was before the view, to
-// go back to when an item list fails.
+// The days the grid shows, in drawing order: the previous month's last days up to the weekday
+// the month starts on, the month, then the next month's first days to the end of the last row.
+std::vector<ListCell> GridDays(Date shown, bool month_first) {
+  const int first = FirstWeekdayOfMonth(Month(shown), Year(shown));
+  const Date before = DateAdd("m", -1, shown);
+  const Date after = DateAdd("m", 1, shown);
+  const int before_days = DaysInMonth(Month(before), Year(before));
+  std::vector<ListCell> cells;
+  for (int column = 1; column < first; ++column) {
+    const int day = before_days - first + 1 + column;
+    cells.push_back({GridDate(Month(before), day, Year(before), month_first, true), std::nullopt});
+  }
+  for (int day = 1; day <= DaysInMonth(Month(shown), Year(shown)); ++day) {
+    cells.push_back({GridDate(Month(shown), day, Year(shown), month_first, true), std::nullopt});
+  }
+  for (int day = 1; cells.size() % 7 != 0; ++day) {
+    cells.push_back({GridDate(Month(after), day, Year(after), month_first, true), std::nullopt});
+  }
+  return cells;
+}
+
+// One month being drawn: what every cell needs, its days' item lists, and the page as it was
+// before the view, to go back to when an item list fails.
 struct MonthGrid {
+  MonthGrid(Page& page, ListReading reading)
+      : page(page),
+        saved_page(page.PageBuffer),
+        lists(page, list_modes::kMonthCell, GridDays(page.CurrentDate, month_first), reading) {}
+
   Page& page;
   const std::string saved_page;
   const bool month_first = IsMonthFirstDateFormat();
   const Date now = Now();
+  ViewLists lists;
+  size_t next_cell = 0;  // the cell drawn next, in GridDays order
 };
 
 std::string CellOpening(const MonthGrid& grid, CellKind kind, int day) {
@@ -54,15 +83,14 @@ std::string WeekLink(const Page& page, const char* screen, const std::string& da
          "icon_week.gif width=12 height=12 border=0 align=absmiddle ></a>";
 }
 
-// Appends the cell of day `day` of `month`/`year`, with the link to its week when `week` names
-// one ("1/p" or "1/n"). False when its item list failed: the page is then back as it was
-// before the view.
-bool AppendDayCell(MonthGrid& grid, CellKind kind, int month, int day, int year,
-                   const char* week = nullptr) {
+// Appends the next cell, numbered `day`, with the link to its week when `week` names one
+// ("1/p" or "1/n"). False when its item list failed: the page is then back as it was before
+// the view.
+bool AppendDayCell(MonthGrid& grid, CellKind kind, int day, const char* week = nullptr) {
   Page& page = grid.page;
-  const Date date = GridDate(month, day, year, grid.month_first, true);
+  const Date date = grid.lists.Cell(grid.next_cell).day;
   const std::string date_text = CStr(date);
-  const std::string items = BuildItemList(page, list_modes::kMonthCell, date, 0);
+  const std::string items = grid.lists.ListOf(grid.next_cell++);
   if (page.ErrorFlag) {
     page.PageBuffer = grid.saved_page;
     return false;
@@ -105,8 +133,8 @@ long MonthHeight(const Page& page, int rows) {
 
 }  // namespace
 
-void MonthView(Page& page) {
-  MonthGrid grid{page, page.PageBuffer};
+void MonthView(Page& page, ListReading reading) {
+  MonthGrid grid(page, reading);
   page.PageBuffer.reserve(page.PageBuffer.size() + 64 * 1024);  // a busy month's markup
   ViewSnapshot snapshot(page);
   const Date shown = page.CurrentDate;
@@ -128,8 +156,7 @@ void MonthView(Page& page) {
     const Date before = DateAdd("m", -1, shown);
     const int before_days = DaysInMonth(Month(before), Year(before));
     for (int day = before_days - first + 2; column < first; ++day, ++column) {
-      if (!AppendDayCell(grid, CellKind::kNeighbouring, Month(before), day, Year(before),
-                         column == 1 ? "1/p" : nullptr))
+      if (!AppendDayCell(grid, CellKind::kNeighbouring, day, column == 1 ? "1/p" : nullptr))
         return;
     }
   }
@@ -142,7 +169,7 @@ void MonthView(Page& page) {
       page.PageBuffer += "<tr bgcolor=#ffffff>";
       week = "1/n";
     }
-    if (!AppendDayCell(grid, CellKind::kCurrent, Month(shown), day, Year(shown), week)) return;
+    if (!AppendDayCell(grid, CellKind::kCurrent, day, week)) return;
     if (column == 7) {
       page.PageBuffer += "</tr>";
       column = 0;
@@ -152,9 +179,8 @@ void MonthView(Page& page) {
 
   // The next month's first days, to the end of the last row.
   if (column != 1) {
-    const Date after = DateAdd("m", 1, shown);
     for (int day = 1; column <= 7; ++day, ++column) {
-      if (!AppendDayCell(grid, CellKind::kNeighbouring, Month(after), day, Year(after))) return;
+      if (!AppendDayCell(grid, CellKind::kNeighbouring, day)) return;
     }
     page.PageBuffer += "</TR>";
   }
@@ -162,6 +188,10 @@ void MonthView(Page& page) {
   page.PageBuffer += "</table>";
   page.PageBuffer += "<!-- MonthView End -->";
   ReplaceHeight(page, MonthHeight(page, rows));
+}
+
+void MonthView(Page& page) {
+  MonthView(page, ListReading::kOnePerView);
 }
 
 }  // namespace tidewell

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "views/list_reading.h"
+
 namespace tidewell {
 
 struct Page;
@@ -11,5 +13,7 @@ struct Page;
 // otherwise). The grid has 4, 5 or 6 rows, which sets the page's height. When an item list
 // fails, everything the view drew is taken back and the error screen follows it.
 void MonthView(Page& page);
+// The same with the item lists read as `reading` says (list_reading.h).
+void MonthView(Page& page, ListReading reading);
 
 }  // namespace tidewell

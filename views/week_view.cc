@@ -1,6 +1,8 @@
 #include "views/week_view.h"
 
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "component/date_helpers.h"
 #include "component/link_codec.h"
@@ -9,7 +11,7 @@
 #include "runtime/clock.h"
 #include "runtime/conversions.h"
 #include "runtime/dates.h"
-#include "views/item_list.h"
+#include "views/view_lists.h"
 #include "views/view_markup.h"
 #include "views/view_snapshot.h"
 
@@ -79,20 +81,19 @@ void AppendDayRow(Page& page, int weekday, Date date, const std::string& items) 
       "<td class=text align=left valign=middle width=560 height=65>" + items + "</td>" + "</tr>";
 }
 
-}  // namespace
+// The week's seven days from Sunday, each with whether it is tinted as a neighbouring day.
+struct WeekRow {
+  Date date;
+  bool delta;
+};
 
-void WeekView(Page& page) {
-  const std::string saved_page = page.PageBuffer;
-  ViewSnapshot snapshot(page);
-  const bool month_first = IsMonthFirstDateFormat();
-  const WeekStart start = StartOfWeek(page.CurrentDate);
-  AppendHeading(page, start, GridDate(start.month, start.day, start.year, month_first, false));
-
+std::vector<WeekRow> RowsOf(const Page& page, const WeekStart& start, bool month_first) {
   const bool tint = page.props.HighlightDeltaDays;
   const std::string& came_by = page.ScreenArgument;
   int day = start.day, month = start.month, year = start.year;
   bool delta = false;
   Date date{};
+  std::vector<WeekRow> rows;
   for (int weekday = 1; weekday <= 7; ++weekday, ++day) {
     if (day > start.month_days) {
       // The week runs into the next month: seen from the earlier month ("n"), its days are
@@ -108,17 +109,40 @@ void WeekView(Page& page) {
       delta = true;
     }
     date = GridDate(month, day, year, month_first, false);
-    page.PageBuffer += RowOpening(page, date, delta);
-    const std::string items = BuildItemList(page, list_modes::kWeekRow, date, 0);
+    rows.push_back({date, delta});
+  }
+  return rows;
+}
+
+}  // namespace
+
+void WeekView(Page& page, ListReading reading) {
+  const std::string saved_page = page.PageBuffer;
+  ViewSnapshot snapshot(page);
+  const bool month_first = IsMonthFirstDateFormat();
+  const WeekStart start = StartOfWeek(page.CurrentDate);
+  const std::vector<WeekRow> rows = RowsOf(page, start, month_first);
+  std::vector<ListCell> cells;
+  for (const WeekRow& row : rows) cells.push_back({row.date, std::nullopt});
+  ViewLists lists(page, list_modes::kWeekRow, std::move(cells), reading);
+  AppendHeading(page, start, GridDate(start.month, start.day, start.year, month_first, false));
+
+  for (size_t i = 0; i < rows.size(); ++i) {
+    page.PageBuffer += RowOpening(page, rows[i].date, rows[i].delta);
+    const std::string items = lists.ListOf(i);
     if (page.ErrorFlag) {
       page.PageBuffer = saved_page;
       return;
     }
-    AppendDayRow(page, weekday, date, items);
+    AppendDayRow(page, static_cast<int>(i) + 1, rows[i].date, items);
   }
   page.PageBuffer += "</table>";
   page.PageBuffer += "<!-- WeekView end -->";
   ReplaceHeight(page, ByBrowser(page, /*standard=*/545, /*navigator=*/586, /*opera=*/555));
+}
+
+void WeekView(Page& page) {
+  WeekView(page, ListReading::kOnePerView);
 }
 
 }  // namespace tidewell

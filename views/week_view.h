@@ -1,5 +1,7 @@
 #pragma once
 
+#include "views/list_reading.h"
+
 namespace tidewell {
 
 struct Page;
@@ -11,5 +13,7 @@ struct Page;
 // argument "n" (forward, or a tab) tints the days after the month changes, "p" (back) those
 // before. When an item list fails, the view is taken back and the error screen follows it.
 void WeekView(Page& page);
+// The same with the item lists read as `reading` says (list_reading.h).
+void WeekView(Page& page, ListReading reading);
 
 }  // namespace tidewell

@@ -4,7 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <vector>
+
 #include "data/database_error.h"
+#include "runtime/dates.h"
 #include "views/item_list.h"
 
 namespace tidewell {
@@ -30,14 +33,14 @@ TEST(DayListStatement, MonthCellOfOwnItemsInTheAccessDialect) {
                                   ASPDataServer::Access)),
             std::string("SELECT TOP 6 ") + kColumns +
                 "#11/3/2026# AND Items.OwnerKey = 'k1' ORDER BY TimeStamp, Initials, Urgent, "
-                "Heading ASC");
+                "Heading ASC, ItemID");
 }
 
 TEST(DayListStatement, MonthCellOfTheGroupInTheAccessDialect) {
   EXPECT_EQ(Text(DayListStatement(list_modes::kMonthCell, "11/3/2026", 0, kGroup, kDefaultDaySort,
                                   ASPDataServer::Access)),
             std::string("SELECT TOP 6 ") + kColumns +
-                "#11/3/2026# AND GroupID = 7 ORDER BY TimeStamp, Initials, Urgent, Heading ASC");
+                "#11/3/2026# AND GroupID = 7 ORDER BY TimeStamp, Initials, Urgent, Heading ASC, ItemID");
 }
 
 TEST(DayListStatement, MonthCellInTheSqlServerDialect) {
@@ -45,11 +48,11 @@ TEST(DayListStatement, MonthCellInTheSqlServerDialect) {
                                   ASPDataServer::SQLServer)),
             std::string("SELECT TOP 6 ") + kColumns +
                 "'11/3/2026' AND Items.OwnerKey = 'k1' ORDER BY TimeStamp, Initials, Urgent, "
-                "Heading ASC");
+                "Heading ASC, ItemID");
   EXPECT_EQ(Text(DayListStatement(list_modes::kMonthCell, "11/3/2026", 0, kGroup, kDefaultDaySort,
                                   ASPDataServer::SQLServer)),
             std::string("SELECT TOP 6 ") + kColumns +
-                "'11/3/2026' AND GroupID = 7 ORDER BY TimeStamp, Initials, Urgent, Heading ASC");
+                "'11/3/2026' AND GroupID = 7 ORDER BY TimeStamp, Initials, Urgent, Heading ASC, ItemID");
 }
 
 TEST(DayListStatement, WeekRowFetchesFive) {
@@ -57,7 +60,7 @@ TEST(DayListStatement, WeekRowFetchesFive) {
                                   ASPDataServer::Access)),
             std::string("SELECT TOP 5 ") + kColumns +
                 "#1/2/2026# AND Items.OwnerKey = 'k1' ORDER BY TimeStamp, Initials, Urgent, "
-                "Heading ASC");
+                "Heading ASC, ItemID");
 }
 
 TEST(DayListStatement, DayRowFetchesThreeOfOneHour) {
@@ -65,12 +68,12 @@ TEST(DayListStatement, DayRowFetchesThreeOfOneHour) {
                                   ASPDataServer::Access)),
             std::string("SELECT TOP 3 ") + kColumns +
                 "#1/2/2026# AND TimeStamp = 14 AND Items.OwnerKey = 'k1' ORDER BY TimeStamp, "
-                "Initials, Urgent, Heading ASC");
+                "Initials, Urgent, Heading ASC, ItemID");
   EXPECT_EQ(Text(DayListStatement(list_modes::kDayRow, "1/2/2026", 14, kGroup, kDefaultDaySort,
                                   ASPDataServer::SQLServer)),
             std::string("SELECT TOP 3 ") + kColumns +
                 "'1/2/2026' AND TimeStamp = 14 AND GroupID = 7 ORDER BY TimeStamp, Initials, "
-                "Urgent, Heading ASC");
+                "Urgent, Heading ASC, ItemID");
 }
 
 TEST(TimeTableStatement, ReadsEveryItemOfTheHourWithItsOwner) {
@@ -78,12 +81,39 @@ TEST(TimeTableStatement, ReadsEveryItemOfTheHourWithItsOwner) {
       Text(TimeTableStatement("11/3/2026", 9, kOwn, kDefaultOtherSort, ASPDataServer::Access)),
       "SELECT Items.*, Users.Initials, Users.UserName FROM Items INNER JOIN Users ON "
       "Items.OwnerKey = Users.OwnerKey WHERE DateStamp = #11/3/2026# AND TimeStamp = 9 AND "
-      "Items.OwnerKey = 'k1' ORDER BY UserName, Initials, TimeStamp, Urgent, Heading ASC");
+      "Items.OwnerKey = 'k1' ORDER BY UserName, Initials, TimeStamp, Urgent, Heading ASC, ItemID");
   EXPECT_EQ(
       Text(TimeTableStatement("11/3/2026", 9, kGroup, "TimeText DESC", ASPDataServer::SQLServer)),
       "SELECT Items.*, Users.Initials, Users.UserName FROM Items INNER JOIN Users ON "
       "Items.OwnerKey = Users.OwnerKey WHERE DateStamp = '11/3/2026' AND TimeStamp = 9 AND "
-      "GroupID = 7 ORDER BY TimeText DESC");
+      "GroupID = 7 ORDER BY TimeText DESC, ItemID");
+}
+
+TEST(ViewListStatement, JoinsTheCellsConditionsAndSortsAsTheirLists) {
+  const std::vector<ListCell> days = {{DateSerial(2026, 11, 3), std::nullopt},
+                                      {DateSerial(2026, 11, 4), std::nullopt}};
+  const std::string columns =
+      "SELECT ItemID, Heading, TimeStamp, TimeText, Urgent, Initials, Complete, DateStamp FROM "
+      "Items INNER JOIN Users ON Items.OwnerKey = Users.OwnerKey WHERE ";
+  EXPECT_EQ(Text(ViewListStatement(days, kOwn, kDefaultDaySort, ASPDataServer::Access)),
+            columns +
+                "((DateStamp = #11/3/2026#) OR (DateStamp = #11/4/2026#)) AND Items.OwnerKey = "
+                "'k1' ORDER BY TimeStamp, Initials, Urgent, Heading ASC, ItemID");
+  const std::vector<ListCell> hours = {{DateSerial(2026, 11, 3), 23}, {DateSerial(2026, 11, 4), 0}};
+  EXPECT_EQ(Text(ViewListStatement(hours, kGroup, "Heading DESC", ASPDataServer::SQLServer)),
+            columns +
+                "((DateStamp = '11/3/2026' AND TimeStamp = 23) OR (DateStamp = '11/4/2026' AND "
+                "TimeStamp = 0)) AND GroupID = 7 ORDER BY Heading DESC, ItemID");
+}
+
+TEST(IsNamedSort, NamesTheDefaultsAndTheHeadersOrdersOnly) {
+  EXPECT_TRUE(IsNamedSort(kDefaultDaySort));
+  EXPECT_TRUE(IsNamedSort(kDefaultOtherSort));
+  for (const char* code : {"U*A", "U*D", "T*A", "T*D", "I*A", "I*D", "H*A", "H*D"}) {
+    EXPECT_TRUE(IsNamedSort(ExpandSortCode(code, list_modes::kMonthCell))) << code;
+  }
+  EXPECT_FALSE(IsNamedSort("2"));
+  EXPECT_FALSE(IsNamedSort("X DESC"));
 }
 
 TEST(GroupScopeStatement, AsksForTheUsersGroup) {
@@ -105,7 +135,7 @@ TEST(ExpandSortCode, TheHeadersCodesNameAColumnAndADirection) {
   EXPECT_EQ(ExpandSortCode("U*A", list_modes::kTimeTable), "Urgent ASC");
   EXPECT_EQ(ExpandSortCode("U*D", list_modes::kMonthCell), "Urgent DESC");
   EXPECT_EQ(ExpandSortCode("I*D", list_modes::kWeekRow), "Initials DESC");
-  EXPECT_EQ(ExpandSortCode("H*A", list_modes::kDayRow), "Heading ASC");
+  EXPECT_EQ(ExpandSortCode("H*A", list_modes::kDayRow), "Heading ASC, ItemID");
 }
 
 // The rules are plain text replacement, so a code nobody's header made expands as it falls.
@@ -130,7 +160,7 @@ TEST(DayListStatement, AnOrderByPositionPasses) {
   EXPECT_EQ(
       Text(DayListStatement(list_modes::kMonthCell, "11/3/2026", 0, kOwn, "2",
                             ASPDataServer::Access)),
-      std::string("SELECT TOP 6 ") + kColumns + "#11/3/2026# AND Items.OwnerKey = 'k1' ORDER BY 2");
+      std::string("SELECT TOP 6 ") + kColumns + "#11/3/2026# AND Items.OwnerKey = 'k1' ORDER BY 2, ItemID");
 }
 
 TEST(DayListStatement, AKeyWithAQuoteIsRefused) {

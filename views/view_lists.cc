@@ -1,0 +1,82 @@
+#include "views/view_lists.h"
+
+#include <map>
+#include <utility>
+
+#include "component/page.h"
+#include "data/recordset.h"
+#include "runtime/conversions.h"
+#include "runtime/date_text.h"
+#include "runtime/dates.h"
+#include "views/item_list.h"
+#include "views/list_reading.h"
+
+namespace tidewell {
+namespace {
+
+// A cell as the statement tells it apart: the day as spliced, and the hour when the cell is
+// one. A row belongs to the cell whose condition it met.
+using CellKey = std::pair<std::string, long>;
+
+CellKey KeyOf(const ListCell& cell) {
+  return {ado::StatementDateText(cell.day), cell.hour.value_or(-1)};
+}
+
+}  // namespace
+
+ViewLists::ViewLists(Page& page, long mode, std::vector<ListCell> cells, ListReading reading)
+    : page_(page), mode_(mode), cells_(std::move(cells)), reading_(reading) {
+  // An order given as a column's position means another column here, where DateStamp is
+  // one more: such a view reads cell by cell.
+  if (!IsNamedSort(ExpandSortCode(page_.SortOrder, mode_))) reading_ = ListReading::kOnePerCell;
+  if (reading_ == ListReading::kOnePerView) {
+    lists_.resize(cells_.size());
+    TrapListFailure(page_, [this] {
+      ReadAll();
+      return std::string();
+    });
+  }
+}
+
+void ViewLists::ReadAll() {
+  const ListOwner owner{page_.UserKey, ListGroupScope(page_)};
+  const std::string sort = ExpandSortCode(page_.SortOrder, mode_);
+  ado::Recordset rs;
+  rs.Open(ViewListStatement(cells_, owner, sort, page_.props.DataServer), ListConnection(page_));
+
+  std::map<CellKey, size_t> cell_of;
+  for (size_t i = 0; i < cells_.size(); ++i) cell_of.emplace(KeyOf(cells_[i]), i);
+  std::vector<long> fetched(cells_.size(), 0);
+  const ListLimit limit = LimitOf(mode_);
+  const bool by_hour = mode_ == list_modes::kDayRow;
+  const ItemReader reader(rs, /*time_table=*/false);
+  ado::Field date_stamp = rs.Fields("DateStamp");
+  ado::Field time_stamp = rs.Fields("TimeStamp");
+  // The rows come in the lists' order, so each cell's rows come in its own list's order.
+  for (; !rs.Eof(); rs.MoveNext()) {
+    const CellKey key{ado::StatementDateText(CDate(date_stamp.Value())),
+                      by_hour ? CLng(time_stamp.Value()) : -1};
+    const auto cell = cell_of.find(key);
+    if (cell == cell_of.end()) continue;  // cannot happen: every row met one cell's condition
+    DayList& list = lists_[cell->second];
+    // A cell's own statement stops at `fetched` rows and shows the first `shown`.
+    if (++fetched[cell->second] > limit.fetched) continue;
+    if (static_cast<long>(list.rows.size()) < limit.shown) list.rows.push_back(reader.Read());
+    list.more = fetched[cell->second] >= limit.fetched;
+  }
+  rs.Close();
+}
+
+std::string ViewLists::ListOf(size_t index) {
+  const ListCell& cell = cells_[index];
+  if (reading_ == ListReading::kOnePerCell) {
+    return BuildItemList(page_, mode_, cell.day, cell.hour.value_or(0));
+  }
+  if (page_.ErrorFlag) return "&nbsp;";
+  const std::string list = TrapListFailure(page_, [&] {
+    return DayListMarkup(page_, mode_, ShortDateText(DateOnly(cell.day)), lists_[index]);
+  });
+  return list.empty() ? "&nbsp;" : list;
+}
+
+}  // namespace tidewell
