@@ -91,6 +91,7 @@ void ReadAccount(Page& page, Recordset& rs) {
   user.Options = CStrOrBlank(rs.Fields("Options").Value());
   user.Administrator = CBoolOrFalse(rs.Fields("Administrator").Value());
   page.UserGroupId = CLng(rs.Fields("GroupID").Value());
+  page.GroupScope = page.UserGroupId;  // the lists need not read it again
   user.GroupName = CStrOrBlank(rs.Fields("GroupName").Value());
   page.UserBanner = "<b>Group:</b> " + EscapeHtml(CStrOrBlank(rs.Fields("GroupName").Value())) +
                     " | <b>User:</b> " + EscapeHtml(user.Username);

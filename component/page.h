@@ -95,8 +95,8 @@ struct Page {
   std::string UserBanner;
   long UserGroupId = 0;
   CurrentUser User;
-  // The group whose items the user's lists show (0: only his own), once the first list of the
-  // request has read it (views/list_reading.h).
+  // The user's group as this request read it: with his account (accounts/login.h), or else by
+  // the first item list that shows his whole group (views/list_reading.h).
   std::optional<long> GroupScope;
   long BrowserKind = browsers::kExplorer;
 
@@ -113,6 +113,7 @@ struct Page {
   std::string ErrorKind;
   std::string SearchResults;
   std::shared_ptr<ado::Connection> Connection;  // opened at step 8 of Show, closed at its end
+  long long StatementsRun = 0;  // by Connection, counted when it closed (for the access log)
 
   // Request("name") / Request.Form("name"), or "" when no request is bound.
   std::string RequestValue(std::string_view name) const { return request ? (*request)(name) : ""; }

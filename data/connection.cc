@@ -20,6 +20,7 @@ void Connection::Open(std::string_view connection_string) {
   std::string text(connection_string);
   std::string provider;
   session_ = AcquireSession(text, &provider);
+  statements_before_ = session_->Counts().run;
   connection_string_ = std::move(text);
   provider_ = std::move(provider);
 }
@@ -36,9 +37,11 @@ void Connection::Close() {
     try {
       session_->Run("ROLLBACK");
     } catch (const DatabaseError&) {
+      statements_run_ = StatementsRun();
       session_.reset();  // a session in an unknown state is not pooled
     }
   }
+  statements_run_ = StatementsRun();
   ReleaseSession(connection_string_, std::move(session_));
   session_.reset();
 }
@@ -60,6 +63,10 @@ void Connection::RollbackTrans() {
 
 bool Connection::TableExists(std::string_view table) {
   return session().TableExists(table);
+}
+
+long long Connection::StatementsRun() const {
+  return statements_run_ + (session_ ? session_->Counts().run - statements_before_ : 0);
 }
 
 Session& Connection::session() {

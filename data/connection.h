@@ -39,6 +39,10 @@ class Connection {
 
   // Whether the database has a table of that name (ADO's OpenSchema, reduced to that).
   bool TableExists(std::string_view table);
+  // How many statements the engine ran for this object, over every Open and Close so far:
+  // the page's reads and writes, and a transaction's BEGIN and COMMIT.
+  long long StatementsRun() const;
+
   // The provider as registered: "SQLite" or "PostgreSQL".
   const std::string& Provider() const { return provider_; }
 
@@ -50,6 +54,8 @@ class Connection {
   std::string provider_;
   std::unique_ptr<Session> session_;
   bool in_transaction_ = false;
+  long long statements_before_ = 0;  // the session's count when it was handed to us
+  long long statements_run_ = 0;     // what sessions since closed ran for us
 };
 
 }  // namespace tidewell::ado

@@ -46,7 +46,10 @@ void TrapUpdateError(Page& page, const ado::DatabaseError& error) {
 }
 
 void CloseDatabase(Page& page) {
-  if (page.Connection) page.Connection->Close();  // Close never throws
+  if (page.Connection) {
+    page.Connection->Close();  // Close never throws
+    page.StatementsRun += page.Connection->StatementsRun();
+  }
   page.Connection.reset();
 }
 

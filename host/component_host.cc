@@ -36,11 +36,11 @@ HostAnswer RunComponent(const PageConfig& page, const LinkSigning& signing,
   } catch (const AutomationError& e) {
     return {400, "text/plain; charset=utf-8",
             "Bad request: run-time error " + std::to_string(e.number()) + ", " + e.what() + ".\n",
-            "-"};
+            "-", component.page().StatementsRun};
   }
   return {200, "text/html; charset=utf-8",
           FillPageTemplate(page.page_template, SettleFrameHeight(response.TakeBody())),
-          std::to_string(component.page().Screen)};
+          std::to_string(component.page().Screen), component.page().StatementsRun};
 }
 
 std::string ViewComponentSource(const PageConfig& page, const LinkSigning& signing,

@@ -16,6 +16,8 @@ struct HostAnswer {
   // The screen the component drew ("6" for the login form), for the access log; "-" when the
   // request ended before a screen was drawn.
   std::string screen = "-";
+  // The statements the page ran on the database, for the access log.
+  long long statements = 0;
 };
 
 // Runs the component for one request the way an ASP page did: create it, OnStartPage with the

@@ -293,7 +293,8 @@ class Session : public std::enable_shared_from_this<Session> {
 
     // Logged as the answer leaves, so that the line is there by the time the client has it.
     LogAnswer({request.method, request.path, request.version, std::move(answer.log_screen),
-               answer.status, request.method == "HEAD" ? 0 : bytes});
+               std::move(answer.log_statements), answer.status,
+               request.method == "HEAD" ? 0 : bytes});
     stream_.expires_after(server_.limits.idle_timeout);
     http::async_write(stream_, *response,
                       [self = shared_from_this(), response, keep_alive](beast::error_code ec,
@@ -306,17 +307,18 @@ class Session : public std::enable_shared_from_this<Session> {
   }
 
   struct LogLine {
-    std::string method, path, version, screen;
+    std::string method, path, version, screen, statements;
     int status = 0;
     size_t bytes = 0;
   };
 
   void LogAnswer(const LogLine& line) {
     double ms = std::chrono::duration<double, std::milli>(Clock::now() - started_).count();
-    std::fprintf(stderr, "%s %s \"%s %s %s\" %d %zu screen=%s %.1fms\n", LogTime().c_str(),
-                 remote_address_.c_str(), line.method.empty() ? "-" : LogSafe(line.method, 16).c_str(),
+    std::fprintf(stderr, "%s %s \"%s %s %s\" %d %zu screen=%s statements=%s %.1fms\n",
+                 LogTime().c_str(), remote_address_.c_str(),
+                 line.method.empty() ? "-" : LogSafe(line.method, 16).c_str(),
                  line.path.empty() ? "-" : LogSafe(line.path).c_str(), line.version.c_str(),
-                 line.status, line.bytes, line.screen.c_str(), ms);
+                 line.status, line.bytes, line.screen.c_str(), line.statements.c_str(), ms);
   }
 
   // After a refusal the client may still be sending what was refused. Closing with its bytes

@@ -26,13 +26,15 @@ struct HttpRequest {
 };
 
 // What a handler answers. `log_screen` is what the access line shows in its screen column:
-// the screen the component drew, or "-" for anything that is not a page.
+// the screen the component drew, or "-" for anything that is not a page; `log_statements` the
+// statements the page ran on the database, "-" likewise.
 struct HttpAnswer {
   int status = 200;
   std::string content_type = "text/html; charset=utf-8";
   std::string body;
   std::vector<std::pair<std::string, std::string>> headers;
   std::string log_screen = "-";
+  std::string log_statements = "-";
 };
 
 // A plain-text answer: the short pages for errors and refusals.

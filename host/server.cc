@@ -77,6 +77,7 @@ class Site {
     answer.body = std::move(host.body);  // moved: a month view is some 55 KB
     answer.headers.emplace_back("Cache-Control", "no-store");
     answer.log_screen = host.screen;
+    answer.log_statements = std::to_string(host.statements);
     return answer;
   }
 

@@ -11,7 +11,6 @@
 #include "runtime/dates.h"
 #include "views/view_lists.h"
 #include "views/view_markup.h"
-#include "views/view_snapshot.h"
 
 namespace tidewell {
 namespace {
@@ -106,7 +105,6 @@ std::vector<ListCell> HoursOf(const Page& page) {
 
 void DayView(Page& page, ListReading reading) {
   const std::string saved_page = page.PageBuffer;
-  ViewSnapshot snapshot(page);
   ViewLists lists(page, list_modes::kDayRow, HoursOf(page), reading);
   const Paging paging = PagingOf(page);
   page.PageBuffer += "<!-- DayView  start -->";

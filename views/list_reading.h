@@ -27,7 +27,7 @@ enum class ListReading {
 ado::Connection& ListConnection(Page& page);
 
 // The current user's group when his lists show the whole group, else 0 (his own items). Read
-// from the database once per request, at the first list that needs it.
+// from the database once per request: with his account, or by the first list that needs it.
 long ListGroupScope(Page& page);
 
 // Runs `read` under the lists' error trap: a statement that fails, or a value the run time

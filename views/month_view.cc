@@ -12,7 +12,6 @@
 #include "runtime/dates.h"
 #include "views/view_lists.h"
 #include "views/view_markup.h"
-#include "views/view_snapshot.h"
 
 namespace tidewell {
 namespace {
@@ -136,7 +135,6 @@ long MonthHeight(const Page& page, int rows) {
 void MonthView(Page& page, ListReading reading) {
   MonthGrid grid(page, reading);
   page.PageBuffer.reserve(page.PageBuffer.size() + 64 * 1024);  // a busy month's markup
-  ViewSnapshot snapshot(page);
   const Date shown = page.CurrentDate;
   const int days = DaysInMonth(Month(shown), Year(shown));
   const int first = FirstWeekdayOfMonth(Month(shown), Year(shown));

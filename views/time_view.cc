@@ -10,7 +10,6 @@
 #include "runtime/dates.h"
 #include "views/item_list.h"
 #include "views/view_markup.h"
-#include "views/view_snapshot.h"
 
 namespace tidewell {
 namespace {
@@ -47,7 +46,6 @@ std::string HourCell(const Page& page, const std::string& label) {
 
 void TimeView(Page& page) {
   const std::string saved_page = page.PageBuffer;
-  ViewSnapshot snapshot(page);
   const std::string label = FormatTwoDigits(page.CurrentHour) + ":00";
   page.PageBuffer += "<!-- TimeView  Start -->";
   AppendPagingTitleBar(page, {"Previous Hour", HourLink(page, -1)},

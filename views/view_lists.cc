@@ -29,7 +29,9 @@ ViewLists::ViewLists(Page& page, long mode, std::vector<ListCell> cells, ListRea
   // An order given as a column's position means another column here, where DateStamp is
   // one more: such a view reads cell by cell.
   if (!IsNamedSort(ExpandSortCode(page_.SortOrder, mode_))) reading_ = ListReading::kOnePerCell;
-  if (reading_ == ListReading::kOnePerView) {
+  if (reading_ == ListReading::kOnePerCell) {
+    snapshot_.emplace(page_);
+  } else {
     lists_.resize(cells_.size());
     TrapListFailure(page_, [this] {
       ReadAll();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -7,6 +8,7 @@
 #include "views/item_list_statements.h"
 #include "views/item_rows.h"
 #include "views/list_reading.h"
+#include "views/view_snapshot.h"
 
 namespace tidewell {
 
@@ -38,6 +40,9 @@ class ViewLists {
   std::vector<ListCell> cells_;
   ListReading reading_;
   std::vector<DayList> lists_;  // one a cell, when read with one statement
+  // Cell by cell, the lists read in one transaction, so that they show one state of the
+  // calendar; one statement needs none.
+  std::optional<ViewSnapshot> snapshot_;
 };
 
 }  // namespace tidewell

@@ -13,7 +13,6 @@
 #include "runtime/dates.h"
 #include "views/view_lists.h"
 #include "views/view_markup.h"
-#include "views/view_snapshot.h"
 
 namespace tidewell {
 namespace {
@@ -118,7 +117,6 @@ std::vector<WeekRow> RowsOf(const Page& page, const WeekStart& start, bool month
 
 void WeekView(Page& page, ListReading reading) {
   const std::string saved_page = page.PageBuffer;
-  ViewSnapshot snapshot(page);
   const bool month_first = IsMonthFirstDateFormat();
   const WeekStart start = StartOfWeek(page.CurrentDate);
   const std::vector<WeekRow> rows = RowsOf(page, start, month_first);

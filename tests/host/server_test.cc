@@ -113,11 +113,11 @@ TEST_F(Server, LogsOneLinePerRequest) {
   std::string log = server_->Log();
   // Time, peer, request without its query, status, bytes, the screen drawn, duration.
   std::regex page_line(
-      "2026-11-21 09:30:00 127\\.0\\.0\\.1 \"GET / HTTP/1\\.1\" 200 [0-9]+ screen=9 [0-9.]+ms\n");
+      "2026-11-21 09:30:00 127\\.0\\.0\\.1 \"GET / HTTP/1\\.1\" 200 [0-9]+ screen=9 statements=[0-9]+ [0-9.]+ms\n");
   EXPECT_TRUE(std::regex_search(log, page_line)) << log;  // the welcome screen of a fresh site
-  EXPECT_NE(log.find("\"GET /images/nav_line.gif HTTP/1.1\" 200 56 screen=- "), std::string::npos)
+  EXPECT_NE(log.find("\"GET /images/nav_line.gif HTTP/1.1\" 200 56 screen=- statements=- "), std::string::npos)
       << log;
-  EXPECT_NE(log.find("\"GET /elsewhere.asp HTTP/1.1\" 404 11 screen=- "), std::string::npos) << log;
+  EXPECT_NE(log.find("\"GET /elsewhere.asp HTTP/1.1\" 404 11 screen=- statements=- "), std::string::npos) << log;
 }
 
 // A path cannot write lines of its own into the log: control characters stay escaped.

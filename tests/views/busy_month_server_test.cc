@@ -4,9 +4,11 @@
 #include <gtest/gtest.h>
 #include <httplib.h>
 
+#include <cstdlib>
 #include <fstream>
 #include <map>
 #include <set>
+#include <thread>
 
 #include "data/connection.h"
 #include "data/recordset.h"
@@ -240,6 +242,42 @@ TEST_F(BusyMonthOverHttp, TheLinksLeadWhereTheySay) {
 
   const Anchor day = first_titled([](const Anchor& a) { return a.klass == "current"; });
   EXPECT_NE(Get(day.href).find("<!-- DayView  start -->"), std::string::npos);
+}
+
+// The access lines' statement counts in the log, in order.
+std::vector<long> StatementCounts(const std::string& log) {
+  std::vector<long> counts;
+  const std::string mark = " statements=";
+  for (size_t at = log.find(mark); at != std::string::npos; at = log.find(mark, at + 1)) {
+    counts.push_back(std::atol(log.c_str() + at + mark.size()));
+  }
+  return counts;
+}
+
+// The views read their items with one statement whatever the number of cells: the access
+// line counts what each page ran, the key's check and the account's read included.
+TEST_F(BusyMonthOverHttp, EachViewRunsAFewStatementsWhateverItsCells) {
+  const std::string month = LogIn();
+  ASSERT_FALSE(month.empty());
+  for (const char* view : {"MonthView", "WeekView", "DayView", "TimeView"}) {
+    const std::string title = std::string("Display ") + view;
+    std::string link;
+    for (const Anchor& a : Anchors(month)) {
+      if (a.title == title) link = a.href;
+    }
+    ASSERT_FALSE(link.empty()) << view;
+    const size_t lines_before = StatementCounts(server_->Log()).size();
+    ASSERT_FALSE(Get(link).empty()) << view;
+    // The request's access line is written as its answer leaves.
+    std::vector<long> counts = StatementCounts(server_->Log());
+    for (int wait = 0; counts.size() <= lines_before && wait < 50; ++wait) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(100));
+      counts = StatementCounts(server_->Log());
+    }
+    ASSERT_GT(counts.size(), lines_before) << server_->Log();
+    EXPECT_GE(counts[lines_before], 3) << view;  // the key, the account, the items
+    EXPECT_LE(counts[lines_before], 4) << view;
+  }
 }
 
 }  // namespace
