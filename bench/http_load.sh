@@ -12,8 +12,9 @@
 # time views and an item-add post; then the month view again on databases whose Items table
 # is padded with the given numbers of rows in other years. nginx serves the month page's bytes
 # as a file in the same run. Every server is started here and stopped at the end; nothing
-# else is contacted. Prints one table row per measurement: req/s, p50, p99, and req/s as a
-# share of nginx's.
+# else is contacted. Prints one table row per measurement: req/s, p50, p99, req/s as a share
+# of nginx's, and the statements each request ran on the database (the mean of the server's
+# access lines for the measured requests).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 build=${1:-build}
@@ -35,7 +36,8 @@ nginx_bin=$(command -v nginx || echo /usr/sbin/nginx)
 # The PostgreSQL half runs inside a throwaway server: the script calls itself there.
 if [[ -z ${TIDEWELL_HTTP_LOAD_ENGINE:-} ]]; then
   ninja -C "$build" tidewell seed_busy_site >/dev/null
-  printf '| engine | request | req/s | p50 | p99 | share of nginx |\n|---|---|---|---|---|---|\n'
+  printf '| engine | request | req/s | p50 | p99 | share of nginx | statements/request |\n'
+  printf '|---|---|---|---|---|---|---|\n'
   TIDEWELL_HTTP_LOAD_ENGINE=SQLite "$0" "$build" "$seconds" "${paddings[@]}"
   TIDEWELL_HTTP_LOAD_ENGINE=PostgreSQL scripts/with_postgres.sh "$0" "$build" "$seconds" \
     "${paddings[@]}"
@@ -113,20 +115,32 @@ print(f"{rate:.0f} {ms('50%'):.2f} {ms('99%'):.2f}")
 EOF
 }
 
-# wrk against $2 on port $1 (a lua script $3 for posts); prints "req/s p50 p99".
+# The mean of the statements= counts in the log $1 after its first $2 lines, or "-".
+statements_after() {
+  tail -n +"$(($2 + 1))" "$1" | python3 -c '
+import re, sys
+counts = [int(m.group(1)) for m in re.finditer(r" statements=(\d+) ", sys.stdin.read())]
+print(f"{sum(counts) / len(counts):.2f}" if counts else "-")'
+}
+
+# wrk against $2 on port $1 (a lua script $3 for posts); prints "req/s p50 p99 statements",
+# the statements read from the server's log $4 when given.
 measure() {
-  local args=(-t2 -c16 -d"${seconds}s" --latency)
+  local args=(-t2 -c16 -d"${seconds}s" --latency) log=${4:-} lines=0
   [[ -n ${3:-} ]] && args+=(-s "$3")
+  [[ -n $log ]] && lines=$(wc -l <"$log")
   wrk "${args[@]}" "http://127.0.0.1:$1/$2" >"$work/wrk.out"
-  wrk_figures "$work/wrk.out"
+  sleep 0.2  # the last answers' lines
+  echo "$(wrk_figures "$work/wrk.out") $([[ -n $log ]] && statements_after "$log" "$lines" || echo -)"
 }
 
 nginx_rate=
-row() {  # request, "req/s p50 p99"
-  read -r rate p50 p99 <<<"$2"
+row() {  # request, "req/s p50 p99 statements"
+  read -r rate p50 p99 statements <<<"$2"
   local share="1"
   [[ -n $nginx_rate ]] && share=$(python3 -c "print(f'{$rate / $nginx_rate:.3f}')")
-  printf '| %s | %s | %s | %s ms | %s ms | %s |\n' "$engine" "$1" "$rate" "$p50" "$p99" "$share"
+  printf '| %s | %s | %s | %s ms | %s ms | %s | %s |\n' "$engine" "$1" "$rate" "$p50" "$p99" \
+    "$share" "$statements"
 }
 
 seed() { "$build/bench/seed_busy_site" "$1" "$2" >/dev/null; }
@@ -167,9 +181,11 @@ nginx_figures=$(measure "$nginx_port" month.html)
 row "nginx, the month page as a file" "$nginx_figures"
 nginx_rate=${nginx_figures%% *}
 
-row "month view" "$(measure "$port" "$month")"
+log=$work/busy.log
+row "month view" "$(measure "$port" "$month" "" "$log")"
 for view in WeekView DayView TimeView; do
-  row "${view/View/ view}" "$(measure "$port" "$(link_titled "$work/month.html" "Display $view")")"
+  row "${view/View/ view}" \
+    "$(measure "$port" "$(link_titled "$work/month.html" "Display $view")" "" "$log")"
 done
 
 # An item added through the item form, as its post sends it.
@@ -181,7 +197,7 @@ wrk.method = "POST"
 wrk.headers["Content-Type"] = "application/x-www-form-urlencoded"
 wrk.body = "datestamp=11%2F25%2F2026&timestamp=10&timetext=30&heading=Load&description=&submit=Add&action=a"
 EOF
-row "item-add post" "$(measure "$port" "$action" "$work/post.lua")"
+row "item-add post" "$(measure "$port" "$action" "$work/post.lua" "$log")"
 
 # The month view over larger tables: the same month, more rows in other years.
 for padding in "${paddings[@]}"; do
@@ -192,5 +208,6 @@ for padding in "${paddings[@]}"; do
   curl -s -o "$work/padded.html" --data "username=boss&password=pw&login=y" \
     "http://127.0.0.1:$padded_port/"
   padded_month=$(link_titled "$work/padded.html" "Display MonthView")
-  row "month view, Items + $padding rows" "$(measure "$padded_port" "$padded_month")"
+  row "month view, Items + $padding rows" \
+    "$(measure "$padded_port" "$padded_month" "" "$work/padded_$padding.log")"
 done
