@@ -31,14 +31,16 @@ Statement& AddSort(Statement& statement, std::string_view sort) {
 
 // " AND Items.OwnerKey = '" K "' ORDER BY " S ", ItemID", or the same with " AND GroupID = "
 // G. ItemID comes last so that items equal in every sorted column keep one order, whichever
-// statement read them and however the engine chose to read it.
-Statement& AddOwnerAndSort(Statement& statement, const ListOwner& owner, std::string_view sort) {
+// statement read them and however the engine chose to read it. `cell_columns` go first: the
+// columns that tell a view's cells apart, constant within a cell.
+Statement& AddOwnerAndSort(Statement& statement, const ListOwner& owner, std::string_view sort,
+                           const char* cell_columns = "") {
   if (owner.group_id != 0) {
     statement.Add(" AND GroupID = ").Number(owner.group_id);
   } else {
     statement.Add(" AND Items.OwnerKey = ").Text(owner.owner_key);
   }
-  statement.Add(" ORDER BY ");
+  statement.Add(" ORDER BY ").Add(cell_columns);
   return AddSort(statement, sort).Add(", ItemID");
 }
 
@@ -120,7 +122,11 @@ Statement ViewListStatement(std::span<const ListCell> cells, const ListOwner& ow
     AddCellCondition(statement, cells[i], dialect).Add(")");
   }
   statement.Add(")");
-  AddOwnerAndSort(statement, owner, sort);
+  // Sorted by cell first, so that the engine compares the list's columns (text without regard
+  // to case, which is slow on some engines) only between items of one cell, as the cells' own
+  // statements did. Within a cell the order is the list's.
+  const bool by_hour = !cells.empty() && cells.front().hour;
+  AddOwnerAndSort(statement, owner, sort, by_hour ? "DateStamp, TimeStamp, " : "DateStamp, ");
   return statement;
 }
 

@@ -54,8 +54,10 @@ struct ListCell {
 
 // The items of every cell of a view at once: the day lists' columns and DateStamp, for exactly
 // the items the cells' own day list statements would select (their conditions joined by OR),
-// in the same order (`sort` must be a named sort, see IsNamedSort), and without TOP: the view
-// deals the rows out to its cells and cuts each list itself.
+// sorted by cell (DateStamp, and TimeStamp when the cells are hours) and within a cell as the
+// cell's own statement sorts (`sort` must be a named sort, see IsNamedSort), without TOP: the
+// view deals the rows out to its cells and cuts each list itself. The cells are all days or
+// all hours.
 ado::Statement ViewListStatement(std::span<const ListCell> cells, const ListOwner& owner,
                                  std::string_view sort, ASPDataServer dialect);
 
