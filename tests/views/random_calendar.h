@@ -20,7 +20,7 @@ struct CalendarUser {
   std::string name;
   long group = 0;  // 0 for a user outside every group
   std::string initials;
-  std::string options;  // Users.Options
+  std::string options;    // Users.Options
   bool show_all = false;  // what the options say of the show-all-group-users flag
 };
 
@@ -48,10 +48,20 @@ const T& PickFrom(std::mt19937& random, const std::vector<T>& values) {
 // Headings and initials that compare equal without regard to case (the columns are compared
 // that way), markup to escape, non-ASCII text, and a heading longer than a month cell shows.
 inline const std::vector<std::string>& KnownHeadings() {
-  static const std::vector<std::string> headings = {
-      "Standup", "standup", "STANDUP", "Lunch", "Review the quarterly budget", "Call <Ann> & Co",
-      "Dentist", "Gym", "Caf\xC3\xA9 au lait", "\xC3\x9C" "ber", "Zebra", "a", "Carol's rounds",
-      "Planning session"};
+  static const std::vector<std::string> headings = {"Standup",
+                                                    "standup",
+                                                    "STANDUP",
+                                                    "Lunch",
+                                                    "Review the quarterly budget",
+                                                    "Call <Ann> & Co",
+                                                    "Dentist",
+                                                    "Gym",
+                                                    "Caf\u00E9 au lait",
+                                                    "\u00DCber",
+                                                    "Zebra",
+                                                    "a",
+                                                    "Carol's rounds",
+                                                    "Planning session"};
   return headings;
 }
 
@@ -62,8 +72,8 @@ inline const std::vector<std::string>& KnownInitials() {
 
 // TimeText as the item form writes it, and text someone typed instead.
 inline std::string RandomTimeText(std::mt19937& random, long hour) {
-  static const std::vector<std::string> typed = {"09:00", "All day", "<b>noon</b>", "9am", "",
-                                                 "23:59"};
+  static const std::vector<std::string> typed = {"09:00", "All day", "<b>noon</b>",
+                                                 "9am",   "",        "23:59"};
   if (Chance(random, 0.7)) {
     static const char* const kMinutes[] = {"00", "15", "30", "45"};
     return FormatTwoDigits(hour) + ":" + kMinutes[Between(random, 0, 3)];
@@ -90,7 +100,8 @@ inline std::vector<CalendarUser> AddRandomUsers(CalendarData& data, std::mt19937
     user.group = u < 2 ? groups[0] : PickFrom(random, groups);
     if (u >= 2 && Chance(random, 0.1)) user.group = 0;
     user.initials = PickFrom(random, KnownInitials());
-    user.options = PickFrom(random, flags) + "+" + std::to_string(Between(random, 0, 23)) + "+0+0+0";
+    user.options =
+        PickFrom(random, flags) + "+" + std::to_string(Between(random, 0, 23)) + "+0+0+0";
     user.show_all = ReadUserOptions(user.options).show_all_group_users;
     user.key = data.AddUser(user.name, user.group, user.initials, user.options);
     users.push_back(std::move(user));
@@ -114,8 +125,7 @@ inline Item RandomItem(std::mt19937& random, const std::vector<CalendarUser>& us
 // `count` items in one hour, alike in every sorted column half of the time, so that only
 // ItemID tells them apart.
 inline void AddCrowdedHour(std::vector<Item>& items, std::mt19937& random,
-                           const std::vector<CalendarUser>& users, Date day, long hour,
-                           int count) {
+                           const std::vector<CalendarUser>& users, Date day, long hour, int count) {
   const bool alike = Chance(random, 0.5);
   const Item model = RandomItem(random, users, day, hour);
   for (int i = 0; i < count; ++i) {
@@ -145,8 +155,8 @@ inline RandomCalendar SeedRandomCalendar(CalendarData& data, int seed, Date focu
 
   const int scattered = Between(random, 20, 70);
   for (int i = 0; i < scattered; ++i) {
-    items.push_back(
-        RandomItem(random, users, DateAdd("d", Between(random, -45, 45), focus), Between(random, 0, 23)));
+    items.push_back(RandomItem(random, users, DateAdd("d", Between(random, -45, 45), focus),
+                               Between(random, 0, 23)));
   }
   const int crowded_days = Between(random, 2, 5);
   for (int d = 0; d < crowded_days; ++d) {

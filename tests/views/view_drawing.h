@@ -39,8 +39,8 @@ inline const char* NameOf(ViewKind view) {
 // What is drawn, for whom, and how.
 struct ViewRequest {
   ViewKind view = ViewKind::kMonth;
-  Date date;       // CurrentDate
-  long hour = 9;   // CurrentHour
+  Date date;                    // CurrentDate
+  long hour = 9;                // CurrentHour
   std::string screen_argument;  // "", "n" or "p": how the week view was reached
   std::string sort;             // the link's sort code
   std::string locale = "en-US";
@@ -51,7 +51,8 @@ struct ViewRequest {
   bool cross_out_completed = false;
   bool hex_links = false;
   long default_start_hour = 8;
-  bool other_dialect = false;  // DataServer names the dialect of the other engine
+  bool other_dialect = false;      // DataServer names the dialect of the other engine
+  bool closed_connection = false;  // the page's connection was never opened
 };
 
 // What a view left behind.
@@ -85,6 +86,7 @@ inline std::string Describe(const RandomCalendar& calendar, const ViewRequest& r
   if (request.hex_links) text += ", hex links";
   text += ", start hour " + std::to_string(request.default_start_hour);
   if (request.other_dialect) text += ", the other engine's dialect";
+  if (request.closed_connection) text += ", a closed connection";
   return text;
 }
 
@@ -100,6 +102,11 @@ inline std::string FirstDifference(const std::string& a, const std::string& b) {
   return "first difference at byte " + std::to_string(at) + ":\n  one per view: ..." +
          a.substr(from, at - from + 240) + "...\n  one per cell: ..." +
          b.substr(from, at - from + 240) + "...";
+}
+
+// What the connection's session has run so far; nothing for a closed connection.
+inline long long StatementsRunBy(ado::Connection& connection) {
+  return connection.State() == ado::adStateOpen ? connection.session().Counts().run : 0;
 }
 
 // Draws the view of `request` for the calendar's user on a fresh page (the group scope is kept
@@ -139,7 +146,7 @@ inline Drawing DrawView(const RandomCalendar& calendar, const ViewRequest& reque
   page.User.ShowAllGroupUsers = user.show_all;
   page.Connection = connection;
 
-  const long long run_before = connection->session().Counts().run;
+  const long long run_before = StatementsRunBy(*connection);
   AppendFrameOpening(page);
   switch (request.view) {
     case ViewKind::kMonth:
@@ -157,7 +164,7 @@ inline Drawing DrawView(const RandomCalendar& calendar, const ViewRequest& reque
           .error_kind = page.ErrorKind,
           .error_text = page.ErrorText,
           .screen = page.Screen,
-          .statements_run = connection->session().Counts().run - run_before};
+          .statements_run = StatementsRunBy(*connection) - run_before};
 }
 
 }  // namespace tidewell::testing
