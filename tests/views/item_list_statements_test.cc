@@ -135,7 +135,7 @@ TEST(ExpandSortCode, TheHeadersCodesNameAColumnAndADirection) {
   EXPECT_EQ(ExpandSortCode("U*A", list_modes::kTimeTable), "Urgent ASC");
   EXPECT_EQ(ExpandSortCode("U*D", list_modes::kMonthCell), "Urgent DESC");
   EXPECT_EQ(ExpandSortCode("I*D", list_modes::kWeekRow), "Initials DESC");
-  EXPECT_EQ(ExpandSortCode("H*A", list_modes::kDayRow), "Heading ASC, ItemID");
+  EXPECT_EQ(ExpandSortCode("H*A", list_modes::kDayRow), "Heading ASC");
 }
 
 // The rules are plain text replacement, so a code nobody's header made expands as it falls.
