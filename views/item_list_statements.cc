@@ -1,5 +1,7 @@
 #include "views/item_list_statements.h"
 
+#include <algorithm>
+
 #include "runtime/strings.h"
 #include "views/item_list.h"
 
@@ -44,11 +46,25 @@ Statement& AddOwnerAndSort(Statement& statement, const ListOwner& owner, std::st
   return AddSort(statement, sort).Add(", ItemID");
 }
 
-// "DateStamp = d", with " AND TimeStamp = h" for a cell that is one hour.
-Statement& AddCellCondition(Statement& statement, const ListCell& cell, ASPDataServer dialect) {
-  statement.Add("DateStamp = ").DateValue(cell.day, dialect);
-  if (cell.hour) statement.Add(" AND TimeStamp = ").Number(*cell.hour);
-  return statement;
+// "(DateStamp = d)" for each day, or "(DateStamp = d AND (TimeStamp = h OR ...))" for the hours
+// of each day, joined by OR: true exactly where one of the cells' own conditions is. Cells of
+// one day follow each other.
+Statement& AddCellConditions(Statement& statement, std::span<const ListCell> cells,
+                             ASPDataServer dialect) {
+  statement.Add("(");
+  for (size_t i = 0; i < cells.size(); ++i) {
+    const bool same_day = i > 0 && cells[i].day == cells[i - 1].day;
+    if (!same_day) {
+      if (i > 0) statement.Add(cells[i - 1].hour ? ")) OR " : ") OR ");
+      statement.Add("(DateStamp = ").DateValue(cells[i].day, dialect);
+      if (cells[i].hour) statement.Add(" AND (");
+    } else if (cells[i].hour) {
+      statement.Add(" OR ");
+    }
+    if (cells[i].hour) statement.Add("TimeStamp = ").Number(*cells[i].hour);
+  }
+  if (!cells.empty()) statement.Add(cells.back().hour ? "))" : ")");
+  return statement.Add(")");
 }
 
 Statement DayListBeginning(long mode) {
@@ -116,12 +132,17 @@ Statement ViewListStatement(std::span<const ListCell> cells, const ListOwner& ow
                             std::string_view sort, ASPDataServer dialect) {
   Statement statement(
       "SELECT ItemID, Heading, TimeStamp, TimeText, Urgent, Initials, Complete, DateStamp FROM "
-      "Items INNER JOIN Users ON Items.OwnerKey = Users.OwnerKey WHERE (");
-  for (size_t i = 0; i < cells.size(); ++i) {
-    statement.Add(i == 0 ? "(" : " OR (");
-    AddCellCondition(statement, cells[i], dialect).Add(")");
-  }
-  statement.Add(")");
+      "Items INNER JOIN Users ON Items.OwnerKey = Users.OwnerKey WHERE DateStamp >= ");
+  // The range first: it holds every cell's day and leads the engine to the index on DateStamp
+  // even before it has statistics of the table, where a long OR alone may not.
+  const auto [first, last] = std::minmax_element(
+      cells.begin(), cells.end(),
+      [](const ListCell& a, const ListCell& b) { return a.day.serial < b.day.serial; });
+  statement.DateValue(first == cells.end() ? Date{} : first->day, dialect)
+      .Add(" AND DateStamp <= ")
+      .DateValue(last == cells.end() ? Date{} : last->day, dialect)
+      .Add(" AND ");
+  AddCellConditions(statement, cells, dialect);
   // Sorted by cell first, so that the engine compares the list's columns (text without regard
   // to case, which is slow on some engines) only between items of one cell, as the cells' own
   // statements did. Within a cell the order is the list's.

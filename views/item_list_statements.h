@@ -53,7 +53,8 @@ struct ListCell {
 };
 
 // The items of every cell of a view at once: the day lists' columns and DateStamp, for exactly
-// the items the cells' own day list statements would select (their conditions joined by OR),
+// the items the cells' own day list statements would select (their conditions joined by OR,
+// within the range of their days),
 // sorted by cell (DateStamp, and TimeStamp when the cells are hours) and within a cell as the
 // cell's own statement sorts (`sort` must be a named sort, see IsNamedSort), without TOP: the
 // view deals the rows out to its cells and cuts each list itself. The cells are all days or

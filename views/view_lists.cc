@@ -26,8 +26,9 @@ CellKey KeyOf(const ListCell& cell) {
 
 ViewLists::ViewLists(Page& page, long mode, std::vector<ListCell> cells, ListReading reading)
     : page_(page), mode_(mode), cells_(std::move(cells)), reading_(reading) {
-  // An order given as a column's position means another column here, where DateStamp is
-  // one more: such a view reads cell by cell.
+  // An order given as a column's position counts the columns of the cell's own statement,
+  // which the view's outnumbers by DateStamp: such a view reads cell by cell, so that a
+  // position past the cell's columns fails as it always did.
   if (!IsNamedSort(ExpandSortCode(page_.SortOrder, mode_))) reading_ = ListReading::kOnePerCell;
   if (reading_ == ListReading::kOnePerCell) {
     snapshot_.emplace(page_);
@@ -50,7 +51,7 @@ void ViewLists::ReadAll() {
   for (size_t i = 0; i < cells_.size(); ++i) cell_of.emplace(KeyOf(cells_[i]), i);
   std::vector<long> fetched(cells_.size(), 0);
   const ListLimit limit = LimitOf(mode_);
-  const bool by_hour = mode_ == list_modes::kDayRow;
+  const bool by_hour = !cells_.empty() && cells_.front().hour.has_value();
   const ItemReader reader(rs, /*time_table=*/false);
   ado::Field date_stamp = rs.Fields("DateStamp");
   ado::Field time_stamp = rs.Fields("TimeStamp");

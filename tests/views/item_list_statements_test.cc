@@ -97,13 +97,18 @@ TEST(ViewListStatement, JoinsTheCellsConditionsAndSortsAsTheirLists) {
       "Items INNER JOIN Users ON Items.OwnerKey = Users.OwnerKey WHERE ";
   EXPECT_EQ(Text(ViewListStatement(days, kOwn, kDefaultDaySort, ASPDataServer::Access)),
             columns +
-                "((DateStamp = #11/3/2026#) OR (DateStamp = #11/4/2026#)) AND Items.OwnerKey = "
-                "'k1' ORDER BY DateStamp, TimeStamp, Initials, Urgent, Heading ASC, ItemID");
-  const std::vector<ListCell> hours = {{DateSerial(2026, 11, 3), 23}, {DateSerial(2026, 11, 4), 0}};
+                "DateStamp >= #11/3/2026# AND DateStamp <= #11/4/2026# AND ((DateStamp = "
+                "#11/3/2026#) OR (DateStamp = #11/4/2026#)) AND Items.OwnerKey = 'k1' ORDER BY "
+                "DateStamp, TimeStamp, Initials, Urgent, Heading ASC, ItemID");
+  const std::vector<ListCell> hours = {{DateSerial(2026, 11, 3), 22},
+                                       {DateSerial(2026, 11, 3), 23},
+                                       {DateSerial(2026, 11, 4), 0}};
   EXPECT_EQ(Text(ViewListStatement(hours, kGroup, "Heading DESC", ASPDataServer::SQLServer)),
             columns +
-                "((DateStamp = '11/3/2026' AND TimeStamp = 23) OR (DateStamp = '11/4/2026' AND "
-                "TimeStamp = 0)) AND GroupID = 7 ORDER BY DateStamp, TimeStamp, Heading DESC, ItemID");
+                "DateStamp >= '11/3/2026' AND DateStamp <= '11/4/2026' AND ((DateStamp = "
+                "'11/3/2026' AND (TimeStamp = 22 OR TimeStamp = 23)) OR (DateStamp = '11/4/2026' "
+                "AND (TimeStamp = 0))) AND GroupID = 7 ORDER BY DateStamp, TimeStamp, Heading "
+                "DESC, ItemID");
 }
 
 TEST(IsNamedSort, NamesTheDefaultsAndTheHeadersOrdersOnly) {

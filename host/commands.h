@@ -1,0 +1,27 @@
+#pragma once
+
+#include "host/command_line.h"
+#include "host/config.h"
+
+namespace tidewell {
+
+// The commands of the tidewell binary. Each receives the words after its name and answers
+// the process's exit code: 0 done, 1 refused or failed (with the reason on standard error),
+// 2 bad usage. A command throws std::invalid_argument for bad usage; main prints it and
+// answers 2.
+using CommandFunction = int (*)(int argc, char** argv);
+
+struct Command {
+  const char* name;
+  const char* summary;  // one line for `tidewell --help`
+  CommandFunction run;
+};
+
+int ServeCommand(int argc, char** argv);
+int RenderCommand(int argc, char** argv);
+int InitDbCommand(int argc, char** argv);
+
+// --config FILE when given, else the built-in defaults.
+SiteConfig ConfigFrom(const Arguments& args);
+
+}  // namespace tidewell

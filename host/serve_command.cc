@@ -1,0 +1,46 @@
+// tidewell serve: the calendar over HTTP.
+
+#include <cstdio>
+#include <string>
+
+#include "host/commands.h"
+#include "host/server.h"
+
+namespace tidewell {
+namespace {
+
+constexpr const char* kServeUsage =
+    "Usage: tidewell serve [--config FILE] [--listen HOST:PORT]\n"
+    "\n"
+    "Serves the calendar over HTTP until SIGINT or SIGTERM.\n"
+    "\n"
+    "  --config FILE       configuration: the calendar's properties (ConnectionString,\n"
+    "                      ImagePath, Visible, ...) and host keys (Listen, Locale,\n"
+    "                      PageTemplate, AutoLogin, LinkSecret, LinkLifetime, AssetFolder,\n"
+    "                      RequestTimeout, IdleTimeout, MaxConnections, Workers,\n"
+    "                      FrameAncestors, ContentSecurityPolicy)\n"
+    "  --listen HOST:PORT  address to listen on (default: the Listen key, else\n"
+    "                      127.0.0.1:8080); port 0 picks a free port\n"
+    "\n"
+    "A request's headers and body must arrive within RequestTimeout seconds (10) or the\n"
+    "connection is closed; idle kept-alive connections close after IdleTimeout (30).\n"
+    "One access line per request goes to standard error, without query strings.\n"
+    "\n"
+    "The environment variable TIDEWELL_NOW=\"YYYY-MM-DD HH:MM:SS\" fixes the clock.\n";
+
+}  // namespace
+
+SiteConfig ConfigFrom(const Arguments& args) {
+  if (auto path = args.Get("config")) return LoadConfig(*path);
+  return DefaultConfig();
+}
+
+int ServeCommand(int argc, char** argv) {
+  const Arguments args(argc, argv, 0);
+  if (args.Has("help")) return std::fputs(kServeUsage, stdout), 0;
+  args.Expect({"config", "listen", "help"});
+  SiteConfig config = ConfigFrom(args);
+  return Serve(config, args.Get("listen").value_or(config.listen));
+}
+
+}  // namespace tidewell
