@@ -84,16 +84,7 @@ class CalendarData {
     connection.Open(connection_string_);
     ado::Recordset rs;
     rs.Open(ado::Statement("Items"), connection, ado::adOpenDynamic, ado::adLockOptimistic);
-    rs.AddNew();
-    rs.Fields("OwnerKey").SetValue(item.owner);
-    rs.Fields("DateStamp").SetValue(item.date);
-    rs.Fields("TimeStamp").SetValue(item.hour);
-    rs.Fields("TimeText").SetValue(item.time_text);
-    rs.Fields("Heading").SetValue(item.heading);
-    rs.Fields("Description").SetValue(item.description);
-    rs.Fields("Urgent").SetValue(item.urgent);
-    rs.Fields("Complete").SetValue(item.complete);
-    rs.Update();
+    AddItemRow(rs, item);
     return CLng(rs.Fields("ItemID").Value());
   }
 
@@ -105,18 +96,7 @@ class CalendarData {
     connection.BeginTrans();
     ado::Recordset rs;
     rs.Open(ado::Statement("Items"), connection, ado::adOpenDynamic, ado::adLockOptimistic);
-    for (const Item& item : items) {
-      rs.AddNew();
-      rs.Fields("OwnerKey").SetValue(item.owner);
-      rs.Fields("DateStamp").SetValue(item.date);
-      rs.Fields("TimeStamp").SetValue(item.hour);
-      rs.Fields("TimeText").SetValue(item.time_text);
-      rs.Fields("Heading").SetValue(item.heading);
-      rs.Fields("Description").SetValue(item.description);
-      rs.Fields("Urgent").SetValue(item.urgent);
-      rs.Fields("Complete").SetValue(item.complete);
-      rs.Update();
-    }
+    for (const Item& item : items) AddItemRow(rs, item);
     rs.Close();
     connection.CommitTrans();
   }
@@ -124,6 +104,20 @@ class CalendarData {
   const std::string& connection_string() const { return connection_string_; }
 
  private:
+  // Writes the item as a new row of the open Items recordset.
+  static void AddItemRow(ado::Recordset& rs, const Item& item) {
+    rs.AddNew();
+    rs.Fields("OwnerKey").SetValue(item.owner);
+    rs.Fields("DateStamp").SetValue(item.date);
+    rs.Fields("TimeStamp").SetValue(item.hour);
+    rs.Fields("TimeText").SetValue(item.time_text);
+    rs.Fields("Heading").SetValue(item.heading);
+    rs.Fields("Description").SetValue(item.description);
+    rs.Fields("Urgent").SetValue(item.urgent);
+    rs.Fields("Complete").SetValue(item.complete);
+    rs.Update();
+  }
+
   std::string connection_string_;
 };
 
