@@ -21,7 +21,10 @@ int ServeCommand(int argc, char** argv);
 int RenderCommand(int argc, char** argv);
 int InitDbCommand(int argc, char** argv);
 
-// --config FILE when given, else the built-in defaults.
+int ConfigCommand(int argc, char** argv);
+
+// --config FILE when given, else the built-in defaults; then the TIDEWELL_ variables of the
+// environment (host/config.h, ApplyEnvironment).
 SiteConfig ConfigFrom(const Arguments& args);
 
 }  // namespace tidewell

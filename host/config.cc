@@ -2,7 +2,9 @@
 
 
 #include <fstream>
+#include <optional>
 #include <sstream>
+#include <string_view>
 
 #include "component/properties.h"
 #include "component/property_table.h"
@@ -35,7 +37,22 @@ class ConfigReader {
   explicit ConfigReader(std::string file_name) : file_name_(std::move(file_name)) {}
 
   [[noreturn]] void Fail(const std::string& message) const {
+    if (!variable_.empty()) throw ConfigError("environment " + variable_ + ": " + message);
     throw ConfigError(file_name_ + ":" + std::to_string(line_) + ": " + message);
+  }
+
+  // A value from the environment variable `variable`: it stands as a line after the file's
+  // top lines and in every [page] section, so that it wins over the file everywhere.
+  void ApplyFromEnvironment(const std::string& variable, const std::string& name,
+                            const std::string& value, SiteConfig& config) {
+    variable_ = variable;
+    if (IsPropertyName(name) || EqualsIgnoringCase(name, "PageTemplate") ||
+        EqualsIgnoringCase(name, "AutoLogin")) {
+      for (PageConfig& page : config.pages) Apply(name, value, config, page, false);
+    } else {
+      Apply(name, value, config, config.pages.front(), true);
+    }
+    variable_.clear();
   }
 
   void Read(const std::string& text, SiteConfig& config) {
@@ -193,7 +210,21 @@ class ConfigReader {
 
   std::string file_name_;
   int line_ = 0;
+  std::string variable_;  // the environment variable being read, if any
 };
+
+// The name a TIDEWELL_ variable stands for: a property or a host key whose name, in upper
+// case, is the rest of the variable's name. Other TIDEWELL_ variables (TIDEWELL_NOW, the
+// tests' own) are not configuration.
+std::optional<std::string> NameOfVariable(std::string_view rest) {
+  for (std::string_view name : PropertyNames()) {
+    if (EqualsIgnoringCase(name, rest)) return std::string(name);
+  }
+  for (std::string_view name : HostKeyNames()) {
+    if (EqualsIgnoringCase(name, rest)) return std::string(name);
+  }
+  return std::nullopt;
+}
 
 }  // namespace
 
@@ -223,6 +254,42 @@ SiteConfig ParseConfig(const std::string& text, const std::string& file_name) {
   SiteConfig config = DefaultConfig();
   ConfigReader(file_name).Read(text, config);
   return config;
+}
+
+std::vector<std::string_view> HostKeyNames() {
+  return {"Listen",         "Locale",       "LinkSecret",     "LinkLifetime",
+          "AssetFolder",    "RequestTimeout", "IdleTimeout",  "MaxConnections",
+          "Workers",        "FrameAncestors", "ContentSecurityPolicy", "PageTemplate",
+          "AutoLogin"};
+}
+
+std::vector<std::string> ApplyEnvironment(SiteConfig& config, char** environment) {
+  std::vector<std::string> used;
+  ConfigReader reader("environment");
+  for (char** entry = environment; entry != nullptr && *entry != nullptr; ++entry) {
+    const std::string_view text = *entry;
+    const size_t eq = text.find('=');
+    if (!text.starts_with("TIDEWELL_") || eq == std::string_view::npos) continue;
+    const std::string variable(text.substr(0, eq));
+    std::string value(text.substr(eq + 1));
+    std::string_view rest = std::string_view(variable).substr(9);
+    std::optional<std::string> name = NameOfVariable(rest);
+    if (!name && rest.ends_with("_FILE")) {
+      name = NameOfVariable(rest.substr(0, rest.size() - 5));
+      if (!name) continue;
+      // A secret kept in a file (a container's secret mount): its text, less the line end.
+      try {
+        value = ReadFile(value);
+      } catch (const std::exception& e) {
+        throw ConfigError("environment " + variable + ": " + e.what());
+      }
+      while (!value.empty() && (value.back() == '\n' || value.back() == '\r')) value.pop_back();
+    }
+    if (!name) continue;
+    reader.ApplyFromEnvironment(variable, *name, TrimBlanks(value), config);
+    used.push_back(variable);
+  }
+  return used;
 }
 
 SiteConfig LoadConfig(const std::string& path) {

@@ -3,6 +3,7 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace tidewell {
@@ -75,5 +76,16 @@ SiteConfig ParseConfig(const std::string& text, const std::string& file_name);
 
 // The configuration without a file: one page at "/" with the defaults.
 SiteConfig DefaultConfig();
+
+// The host keys by name, as the file spells them.
+std::vector<std::string_view> HostKeyNames();
+
+// Applies the TIDEWELL_<NAME> variables of `environment` (a NULL-terminated "NAME=value"
+// list, such as environ) to `config`: NAME is a property or a host key in upper case
+// (TIDEWELL_CONNECTIONSTRING, TIDEWELL_LINKSECRET), and TIDEWELL_<NAME>_FILE reads the value
+// from a file, for secrets. Each wins over the file: a page property applies to every page.
+// Other TIDEWELL_ variables are left alone. A bad value throws ConfigError naming the
+// variable. Answers the variables used, in the order applied.
+std::vector<std::string> ApplyEnvironment(SiteConfig& config, char** environment);
 
 }  // namespace tidewell

@@ -16,6 +16,7 @@ constexpr Command kCommands[] = {
     {"serve", "run the calendar web server", ServeCommand},
     {"render", "print the HTML the calendar writes for one request", RenderCommand},
     {"init-db", "create the calendar's tables on an empty database", InitDbCommand},
+    {"config", "print the effective configuration, secrets masked", ConfigCommand},
 };
 
 void PrintUsage(std::FILE* to) {

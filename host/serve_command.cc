@@ -1,5 +1,7 @@
 // tidewell serve: the calendar over HTTP.
 
+#include <unistd.h>
+
 #include <cstdio>
 #include <string>
 
@@ -26,13 +28,16 @@ constexpr const char* kServeUsage =
     "connection is closed; idle kept-alive connections close after IdleTimeout (30).\n"
     "One access line per request goes to standard error, without query strings.\n"
     "\n"
+    "Every key can also be set as TIDEWELL_<NAME> in the environment (or read from the file\n"
+    "TIDEWELL_<NAME>_FILE names), which wins over the file; `tidewell config` shows the result.\n"
     "The environment variable TIDEWELL_NOW=\"YYYY-MM-DD HH:MM:SS\" fixes the clock.\n";
 
 }  // namespace
 
 SiteConfig ConfigFrom(const Arguments& args) {
-  if (auto path = args.Get("config")) return LoadConfig(*path);
-  return DefaultConfig();
+  SiteConfig config = args.Get("config") ? LoadConfig(*args.Get("config")) : DefaultConfig();
+  ApplyEnvironment(config, environ);
+  return config;
 }
 
 int ServeCommand(int argc, char** argv) {

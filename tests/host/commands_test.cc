@@ -16,8 +16,9 @@ struct CommandRun {
   std::string output;  // standard output and standard error together
 };
 
-CommandRun RunTidewell(const std::string& arguments) {
-  std::string command = std::string(TIDEWELL_BINARY) + " " + arguments + " 2>&1";
+// `environment`: variables for the command, "NAME=value ..." as a shell takes them.
+CommandRun RunTidewell(const std::string& arguments, const std::string& environment = "") {
+  std::string command = environment + " " + TIDEWELL_BINARY + " " + arguments + " 2>&1";
   FILE* pipe = popen(command.c_str(), "r");
   std::string output;
   std::array<char, 4096> buffer;
@@ -47,7 +48,8 @@ TEST(InitDb, WithoutAConnectionIsAUsageError) {
 }
 
 TEST(Help, EveryCommandHasIt) {
-  for (const char* command : {"--help", "serve --help", "render --help", "init-db --help"}) {
+  for (const char* command :
+       {"--help", "serve --help", "render --help", "init-db --help", "config --help"}) {
     CommandRun run = RunTidewell(command);
     EXPECT_EQ(run.status, 0) << command;
     EXPECT_EQ(run.output.rfind("Usage: tidewell", 0), 0u) << command << ": " << run.output;
@@ -63,6 +65,35 @@ TEST(Render, PrintsTheComponentsText) {
   CommandRun run = RunTidewell("render --url /cal/default.asp --query WS=7E3G");
   EXPECT_EQ(run.status, 1);
   EXPECT_NE(run.output.find("run-time error 13: Type mismatch"), std::string::npos) << run.output;
+}
+
+TEST(Config, PrintsWhatTheServerWouldRunWithSecretsMasked) {
+  const std::string file = ::testing::TempDir() + "/config_command_" + std::to_string(getpid());
+  std::FILE* out = std::fopen(file.c_str(), "w");
+  std::fputs("Workers = 4\nLinkSecret = file-secret-0123456789\n"
+             "ConnectionString = Provider=PostgreSQL;host=db;Password=hunter2;dbname=t\n",
+             out);
+  std::fclose(out);
+  CommandRun run = RunTidewell("config --config " + file);
+  EXPECT_EQ(run.status, 0) << run.output;
+  EXPECT_NE(run.output.find("Workers = 4\n"), std::string::npos) << run.output;
+  EXPECT_NE(run.output.find("LinkSecret = ********\n"), std::string::npos) << run.output;
+  EXPECT_NE(run.output.find("host=db;Password=********;dbname=t\n"), std::string::npos)
+      << run.output;
+  EXPECT_EQ(run.output.find("hunter2"), std::string::npos);
+  EXPECT_EQ(run.output.find("file-secret"), std::string::npos);
+
+  run = RunTidewell("config --config " + file, "TIDEWELL_WORKERS=7");
+  EXPECT_EQ(run.status, 0) << run.output;
+  EXPECT_NE(run.output.find("Workers = 7\n"), std::string::npos) << run.output;
+  EXPECT_NE(run.output.find(", TIDEWELL_WORKERS"), std::string::npos) << run.output;
+
+  run = RunTidewell("config --config " + file, "TIDEWELL_WORKERS=0");
+  EXPECT_EQ(run.status, 1);
+  EXPECT_EQ(run.output,
+            "tidewell config: environment TIDEWELL_WORKERS: Workers is a whole number from 1 to "
+            "256, not 0\n");
+  std::filesystem::remove(file);
 }
 
 }  // namespace
