@@ -15,6 +15,9 @@
 #include <boost/beast/core.hpp>
 #include <boost/beast/http.hpp>
 #include <cstdio>
+#include <functional>
+#include <map>
+#include <mutex>
 #include <optional>
 #include <stdexcept>
 #include <thread>
@@ -140,6 +143,14 @@ struct HttpServer::State {
   HttpServerLimits limits;
   std::atomic<size_t> connections{0};
   std::atomic<bool> stopping{false};
+  // Requests whose first bytes have arrived and whose answer is not yet written to the end: a
+  // stop waits for them.
+  std::atomic<size_t> requests_under_way{0};
+  // How to close each connection that waits for its next request, by the connection's number:
+  // a stop closes them at once instead of waiting out their idle time.
+  std::mutex idle_mutex;
+  std::map<uint64_t, std::function<void()>> idle_closers;
+  std::atomic<uint64_t> next_connection_number{0};
   Clock::time_point last_limit_warning{};
   Handler handler;
   HeaderList common_headers;
@@ -149,6 +160,7 @@ struct HttpServer::State {
   tcp::acceptor acceptor;
   asio::signal_set signals;
   std::optional<asio::steady_timer> accept_pause;
+  std::optional<asio::steady_timer> drain_timer;
 };
 
 namespace {
@@ -158,39 +170,96 @@ namespace {
 class Session : public std::enable_shared_from_this<Session> {
  public:
   Session(tcp::socket socket, HttpServer::State& server)
-      : stream_(std::move(socket)), server_(server) {
+      : stream_(std::move(socket)), server_(server), number_(++server.next_connection_number) {
     ++server_.connections;
     boost::system::error_code ignored;
     remote_address_ = stream_.socket().remote_endpoint(ignored).address().to_string();
   }
-  ~Session() { --server_.connections; }
+  ~Session() {
+    LeaveIdle();
+    EndRequest();
+    --server_.connections;
+  }
 
   void Start() {
-    // The first request's deadline runs from the connection's start: a client that connects
-    // and says nothing is closed at it.
-    asio::dispatch(stream_.get_executor(), [self = shared_from_this()] { self->ReadRequest(); });
+    asio::dispatch(stream_.get_executor(), [self = shared_from_this()] { self->AwaitFirstRequest(); });
   }
 
  private:
   // Between requests: wait up to the idle timeout for the next request's first bytes, then
   // give the rest of it the request deadline.
   void AwaitNextRequest() {
-    if (buffer_.size() > 0) return ReadRequest();  // pipelined: already here
+    if (buffer_.size() > 0) {  // pipelined: already here
+      BeginRequest();
+      return ReadRequest();
+    }
     stream_.expires_after(server_.limits.idle_timeout);
+    AwaitFirstBytes(/*restart_deadline=*/true);
+  }
+
+  // The first request's deadline runs from the connection's start: a client that connects
+  // and says nothing is closed at it.
+  void AwaitFirstRequest() {
+    stream_.expires_after(server_.limits.request_timeout);
+    AwaitFirstBytes(/*restart_deadline=*/false);
+  }
+
+  // Until a request's first bytes arrive the connection is idle, and a stop closes it.
+  void AwaitFirstBytes(bool restart_deadline) {
+    if (server_.stopping) return Close();
+    EnterIdle();
     stream_.async_read_some(
         buffer_.prepare(server_.limits.header_limit),
-        [self = shared_from_this()](beast::error_code ec, size_t bytes) {
+        [self = shared_from_this(), restart_deadline](beast::error_code ec, size_t bytes) {
+          self->LeaveIdle();
           if (ec) return self->Close();
           self->buffer_.commit(bytes);
+          self->BeginRequest();
+          if (restart_deadline) self->stream_.expires_after(self->server_.limits.request_timeout);
           self->ReadRequest();
         });
+  }
+
+  void BeginRequest() {
+    if (under_way_) return;
+    under_way_ = true;
+    ++server_.requests_under_way;
+  }
+
+  void EndRequest() {
+    if (!under_way_) return;
+    under_way_ = false;
+    --server_.requests_under_way;
+  }
+
+  // While idle, a stop may close the connection: on its strand, and only if still idle then.
+  void EnterIdle() {
+    idle_ = true;
+    std::weak_ptr<Session> weak = weak_from_this();
+    auto closer = [weak] {
+      if (std::shared_ptr<Session> self = weak.lock()) {
+        asio::post(self->stream_.get_executor(), [self] {
+          // Bytes already waiting are a request on its way in: it is read and answered.
+          beast::error_code ignored;
+          if (self->idle_ && self->stream_.socket().available(ignored) == 0) self->Close();
+        });
+      }
+    };
+    std::lock_guard lock(server_.idle_mutex);
+    server_.idle_closers[number_] = std::move(closer);
+  }
+
+  void LeaveIdle() {
+    if (!idle_) return;
+    idle_ = false;
+    std::lock_guard lock(server_.idle_mutex);
+    server_.idle_closers.erase(number_);
   }
 
   void ReadRequest() {
     parser_.emplace();
     parser_->header_limit(static_cast<uint32_t>(server_.limits.header_limit));
     parser_->body_limit(server_.limits.body_limit);
-    stream_.expires_after(server_.limits.request_timeout);
     http::async_read_header(stream_, buffer_, *parser_,
                             [self = shared_from_this()](beast::error_code ec, size_t) {
                               self->OnHeader(ec);
@@ -299,6 +368,7 @@ class Session : public std::enable_shared_from_this<Session> {
     http::async_write(stream_, *response,
                       [self = shared_from_this(), response, keep_alive](beast::error_code ec,
                                                                        size_t) {
+                        self->EndRequest();
                         if (ec) return self->Close();
                         if (self->refused_) return self->LingerThenClose();
                         if (!keep_alive) return self->Close();
@@ -342,6 +412,7 @@ class Session : public std::enable_shared_from_this<Session> {
   }
 
   void Close() {
+    EndRequest();
     beast::error_code ignored;
     stream_.socket().shutdown(tcp::socket::shutdown_both, ignored);
     stream_.close();
@@ -352,6 +423,9 @@ class Session : public std::enable_shared_from_this<Session> {
   beast::flat_buffer buffer_;
   std::optional<http::request_parser<http::string_body>> parser_;
   std::string remote_address_;
+  const uint64_t number_;
+  bool idle_ = false;       // waiting for a request's first bytes
+  bool under_way_ = false;  // counted in the server's requests_under_way
   bool keep_alive_ = false;
   bool refused_ = false;
   size_t drained_ = 0;
@@ -449,15 +523,36 @@ void HttpServer::Run() {
   for (std::thread& thread : threads) thread.join();
 }
 
+namespace {
+
+// Ends the event loops once no request is under way, or at the deadline.
+void StopWhenDrained(HttpServer::State& state, Clock::time_point deadline) {
+  if (state.requests_under_way == 0 || Clock::now() >= deadline) return state.io.stop();
+  state.drain_timer->expires_after(std::chrono::milliseconds(20));
+  state.drain_timer->async_wait([&state, deadline](beast::error_code) {
+    StopWhenDrained(state, deadline);
+  });
+}
+
+}  // namespace
+
 void HttpServer::Stop() {
   State& state = *state_;
   if (state.stopping.exchange(true)) return;
-  // Answers still being made are dropped with their connections: a stop is a stop.
+  // No new connections; idle ones close now; requests already read are answered (with
+  // "Connection: close") for up to drain_timeout, then the rest is dropped.
   asio::post(state.acceptor.get_executor(), [&state] {
     beast::error_code ignored;
     state.acceptor.close(ignored);
     state.signals.cancel(ignored);
-    state.io.stop();
+    std::map<uint64_t, std::function<void()>> idle;
+    {
+      std::lock_guard lock(state.idle_mutex);
+      idle.swap(state.idle_closers);
+    }
+    for (auto& [number, close] : idle) close();
+    state.drain_timer.emplace(state.acceptor.get_executor());
+    StopWhenDrained(state, Clock::now() + state.limits.drain_timeout);
   });
 }
 

@@ -57,6 +57,8 @@ struct HttpServerLimits {
   // writing never wait on them: the sockets are served by `io_threads` event-loop threads.
   size_t workers = 8;
   size_t io_threads = 2;
+  // How long a stop waits for the requests already read to be answered.
+  std::chrono::milliseconds drain_timeout{std::chrono::seconds(10)};
 };
 
 // An event-driven HTTP/1.1 server (Boost.Beast on Asio). Connections are read and written on a
@@ -84,7 +86,8 @@ class HttpServer {
   int Bind(const std::string& host, int port);
 
   // Serves until Stop(), SIGINT or SIGTERM; a stop signal is announced on standard error.
-  // Stray SIGUSR1 and SIGPIPE are ignored.
+  // Stray SIGUSR1 and SIGPIPE are ignored. A stop takes no new connection, closes the idle
+  // ones and answers the requests already read (drain_timeout at most) before Run returns.
   void Run();
 
   // Ends Run from any thread.

@@ -261,6 +261,58 @@ TEST_F(SlowClients, KeptAliveConnectionServesRequestsThenClosesWhenIdle) {
   EXPECT_LT(idle, seconds(4)) << "an idle kept-alive connection was not closed";
 }
 
+// SIGTERM answers what was already sent before the process goes: 40 refused logins (each
+// checks an Argon2 hash, some 20 ms of work, so most are still waiting for a worker when the
+// signal comes) all get their whole answer, with "Connection: close"; connections that sent
+// nothing are closed at once rather than at their deadline; the process then exits cleanly.
+TEST_F(SlowClients, AStopAnswersTheRequestsAlreadySentThenExits) {
+  int port = Start();
+  ASSERT_NE(port, 0) << server_->Log();
+  std::vector<int> busy, idle;
+  for (int i = 0; i < 40; ++i) busy.push_back(Open(port));
+  for (int i = 0; i < 5; ++i) idle.push_back(Open(port));
+  for (int fd : busy) {
+    pollfd writable{fd, POLLOUT, 0};
+    ASSERT_EQ(poll(&writable, 1, 5000), 1);
+  }
+  std::this_thread::sleep_for(milliseconds(300));  // all accepted and waiting
+  for (size_t i = 0; i < busy.size(); ++i) {
+    const std::string body = "username=nobody" + std::to_string(i) + "&password=wrong&login=y";
+    const std::string request = "POST / HTTP/1.1\r\nHost: 127.0.0.1\r\n"
+                                "Content-Type: application/x-www-form-urlencoded\r\n"
+                                "Content-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body;
+    ASSERT_EQ(send(busy[i], request.data(), request.size(), MSG_NOSIGNAL),
+              static_cast<ssize_t>(request.size()));
+  }
+  const Clock::time_point stopped_at = Clock::now();
+  server_->Send(SIGTERM);
+
+  for (int fd : idle) {
+    while (!ClosedByServer(fd) && Clock::now() - stopped_at < seconds(5)) {
+      std::this_thread::sleep_for(milliseconds(10));
+    }
+    EXPECT_LT(Clock::now() - stopped_at, seconds(3)) << "an idle connection outlived the stop";
+  }
+  int answered = 0;
+  for (int fd : busy) {
+    const std::string answer = ReadUntilClosed(fd, seconds(10));
+    const size_t body_at = answer.find("\r\n\r\n");
+    const size_t length_at = answer.find("Content-Length: ");
+    if (answer.rfind("HTTP/1.1 200 OK\r\n", 0) != 0 || body_at == std::string::npos ||
+        length_at == std::string::npos) {
+      ADD_FAILURE() << "no whole answer: " << answer.substr(0, 200);
+      continue;
+    }
+    EXPECT_NE(answer.find("Connection: close\r\n"), std::string::npos);
+    EXPECT_EQ(answer.size() - body_at - 4, std::stoul(answer.substr(length_at + 16)));
+    ++answered;
+  }
+  EXPECT_EQ(answered, 40);
+  EXPECT_EQ(server_->Stop(SIGTERM), 0) << server_->Log();
+  EXPECT_LT(Clock::now() - stopped_at, seconds(10));
+  EXPECT_NE(server_->Log().find("tidewell: SIGTERM received, stopping"), std::string::npos);
+}
+
 // Past MaxConnections a newcomer is closed at once instead of waiting in the backlog; once
 // connections go, newcomers are served again.
 TEST_F(SlowClients, ConnectionsPastTheLimitAreClosedAtOnce) {
