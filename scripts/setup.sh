@@ -13,6 +13,7 @@ packages=(
   libboost-dev
   chromium
   systemd
+  nginx-light
 )
 # Node.js and npm drive Chromium in the browser tests. A machine that already has both keeps
 # its own (a newer Node.js package may itself provide npm and refuse Debian's).
