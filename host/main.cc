@@ -16,6 +16,8 @@ constexpr Command kCommands[] = {
     {"serve", "run the calendar web server", ServeCommand},
     {"render", "print the HTML the calendar writes for one request", RenderCommand},
     {"init-db", "create the calendar's tables on an empty database", InitDbCommand},
+    {"migrate", "bring the database's schema up to this tidewell's version", MigrateCommand},
+    {"backup", "copy the embedded database while the server runs", BackupCommand},
 };
 
 void PrintUsage(std::FILE* to) {
