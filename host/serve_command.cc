@@ -25,6 +25,8 @@ constexpr const char* kServeUsage =
     "A request's headers and body must arrive within RequestTimeout seconds (10) or the\n"
     "connection is closed; idle kept-alive connections close after IdleTimeout (30).\n"
     "One access line per request goes to standard error, without query strings.\n"
+    "A database of an older schema version is refused (run `tidewell migrate` first), and\n"
+    "so is one a newer tidewell upgraded.\n"
     "\n"
     "The environment variable TIDEWELL_NOW=\"YYYY-MM-DD HH:MM:SS\" fixes the clock.\n";
 
