@@ -8,18 +8,14 @@
 #include "data/connection.h"
 #include "data/connection_string.h"
 #include "data/database_error.h"
-#include "data/recordset.h"
+#include "data/schema_migrations.h"
 #include "data/sqlite_session.h"
 #include "data/statement.h"
+#include "data/transaction.h"
 #include "runtime/conversions.h"
 
 namespace tidewell {
 namespace {
-
-struct SiteTable {
-  const char* name;
-  ado::Statement create;
-};
 
 // There are no enforced references between the tables: the account deletion removes a
 // user's items and the user itself, and when a user deletes his own account, every group,
@@ -28,21 +24,6 @@ struct SiteTable {
 // Dates are ISO text with a DATE declaration, which the provider reads back as dates; flags
 // are BOOLEAN, holding -1 for true as the Access dialect compares them. Names compare
 // without regard to case (COLLATE NOCASE), as the Jet engine compared text.
-// Tables of the site's own that the screens never read: settings such as the link secret,
-// and the login failures the throttle counts.
-const std::vector<SiteTable>& SqliteSiteTables() {
-  static const std::vector<SiteTable> tables = {
-      {"TidewellSettings", ado::Statement("CREATE TABLE TidewellSettings ("
-                                          "Name TEXT NOT NULL PRIMARY KEY, "
-                                          "Value TEXT NOT NULL)")},
-      {"LoginFailures", ado::Statement("CREATE TABLE LoginFailures ("
-                                       "Token TEXT NOT NULL PRIMARY KEY, "
-                                       "Subject TEXT NOT NULL, "
-                                       "FailedAt INTEGER NOT NULL)")},
-  };
-  return tables;
-}
-
 const std::vector<ado::Statement>& SqliteTables() {
   static const std::vector<ado::Statement> statements = {
       ado::Statement("CREATE TABLE Groups ("
@@ -74,21 +55,6 @@ const std::vector<ado::Statement>& SqliteTables() {
 // Flags are smallint holding 1 for true, as the SQL Server dialect compares them; names and
 // headings are citext, so that "=" and LIKE ignore case as SQL Server's default collation
 // did. citext is a trusted extension: a database owner may create it.
-// Tables of the site's own that the screens never read: settings such as the link secret,
-// and the login failures the throttle counts.
-const std::vector<SiteTable>& PostgresSiteTables() {
-  static const std::vector<SiteTable> tables = {
-      {"TidewellSettings", ado::Statement("CREATE TABLE TidewellSettings ("
-                                          "Name text NOT NULL PRIMARY KEY, "
-                                          "Value text NOT NULL)")},
-      {"LoginFailures", ado::Statement("CREATE TABLE LoginFailures ("
-                                       "Token text NOT NULL PRIMARY KEY, "
-                                       "Subject text NOT NULL, "
-                                       "FailedAt bigint NOT NULL)")},
-  };
-  return tables;
-}
-
 const std::vector<ado::Statement>& PostgresTables() {
   static const std::vector<ado::Statement> statements = {
       ado::Statement("CREATE EXTENSION IF NOT EXISTS citext"),
@@ -129,45 +95,6 @@ const std::vector<ado::Statement>& Indexes() {
   return statements;
 }
 
-// What the tables gained since they were first made, written so that running them again on
-// an up-to-date database changes nothing. The login failures are counted by subject and time
-// and expire by time. The accounts lock is a row that the transactions which must not overlap
-// (making the first administrator) update first.
-const std::vector<ado::Statement>& Additions() {
-  static const std::vector<ado::Statement> statements = {
-      ado::Statement("CREATE INDEX IF NOT EXISTS LoginFailures_Subject "
-                     "ON LoginFailures (Subject, FailedAt)"),
-      ado::Statement("CREATE INDEX IF NOT EXISTS LoginFailures_FailedAt "
-                     "ON LoginFailures (FailedAt)"),
-      ado::Statement("INSERT INTO TidewellSettings (Name, Value) VALUES ('AccountsLock', '') "
-                     "ON CONFLICT DO NOTHING"),
-  };
-  return statements;
-}
-
-// The login looks names up through a unique index which, over a column that ignores case on
-// both engines, also keeps two accounts from sharing a name in any spelling however close
-// together they are made. It replaces the plain index of earlier versions.
-const std::vector<ado::Statement>& UniqueNames() {
-  static const std::vector<ado::Statement> statements = {
-      ado::Statement("CREATE UNIQUE INDEX IF NOT EXISTS Users_Username_Unique ON Users (Username)"),
-      ado::Statement("DROP INDEX IF EXISTS Users_Username"),
-  };
-  return statements;
-}
-
-// The names more than one account has (without regard to case), as a list for a message.
-std::string SharedNames(ado::Connection& connection) {
-  ado::Recordset rs;
-  rs.Open(ado::Statement("SELECT Username FROM Users GROUP BY Username HAVING COUNT(*) > 1"),
-          connection);
-  std::string names;
-  for (; !rs.Eof(); rs.MoveNext()) {
-    names += (names.empty() ? "\"" : ", \"") + CStrOrBlank(rs.Fields("Username").Value()) + "\"";
-  }
-  return names;
-}
-
 bool FileExists(const std::string& path) {
   struct stat info;
   return ::stat(path.c_str(), &info) == 0;
@@ -182,35 +109,8 @@ void RefuseWhenTablesExist(ado::Connection& connection) {
   }
 }
 
-// Runs `work` in one transaction: all of it or nothing.
-template <typename Work>
-void InOneTransaction(ado::Connection& connection, Work work) {
-  connection.BeginTrans();
-  try {
-    work();
-    connection.CommitTrans();
-  } catch (...) {
-    try {
-      connection.RollbackTrans();
-    } catch (const ado::DatabaseError&) {
-      // Closing the connection rolls back as well.
-    }
-    throw;
-  }
-}
-
-const std::vector<SiteTable>& SiteTables(const ado::Connection& connection) {
-  return connection.Provider() == "SQLite" ? SqliteSiteTables() : PostgresSiteTables();
-}
-
-// The site's own tables that are missing, then the additions.
-void AddWhatIsMissing(ado::Connection& connection) {
-  for (const SiteTable& table : SiteTables(connection)) {
-    if (!connection.TableExists(table.name)) connection.Execute(table.create);
-  }
-  for (const ado::Statement& statement : Additions()) connection.Execute(statement);
-}
-
+// The calendar's tables and their indexes, then every step of the schema's versions, so that a
+// new database is the same as one migrated from the first version.
 void CreateTables(ado::Connection& connection) {
   const bool sqlite = connection.Provider() == "SQLite";
   InOneTransaction(connection, [&] {
@@ -218,8 +118,7 @@ void CreateTables(ado::Connection& connection) {
       connection.Execute(statement);
     }
     for (const ado::Statement& statement : Indexes()) connection.Execute(statement);
-    AddWhatIsMissing(connection);
-    for (const ado::Statement& statement : UniqueNames()) connection.Execute(statement);
+    CompleteNewSchema(connection);
   });
 }
 
@@ -251,35 +150,6 @@ void CreateSchema(const std::string& connection_string) {
     throw SchemaError("Could not create the tables: " + error.description() + " (error " +
                       std::to_string(error.number()) + ")");
   }
-}
-
-std::string UpgradeSchema(const std::string& connection_string) {
-  ado::Connection connection;
-  try {
-    connection.Open(connection_string);
-    InOneTransaction(connection, [&] { AddWhatIsMissing(connection); });
-  } catch (const ado::DatabaseError& error) {
-    throw SchemaError("Could not bring the tables up to date: " + error.description() +
-                      " (error " + std::to_string(error.number()) + ")");
-  }
-  // Apart, so that a site whose accounts share a name still gets the rest, and its
-  // administrator can sign in and rename them.
-  try {
-    InOneTransaction(connection, [&] {
-      for (const ado::Statement& statement : UniqueNames()) connection.Execute(statement);
-    });
-  } catch (const ado::DatabaseError& error) {
-    std::string shared;
-    try {
-      shared = SharedNames(connection);
-    } catch (const ado::DatabaseError&) {
-    }
-    if (shared.empty()) shared = "(" + error.description() + ")";
-    return "user names are not yet kept unique: more than one account is named " + shared +
-           ". Rename or delete all but one of each in the administrator options; the next "
-           "start makes names unique.";
-  }
-  return "";
 }
 
 EmbeddedDatabaseReport PrepareEmbeddedDatabase(const std::string& connection_string) {

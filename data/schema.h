@@ -18,22 +18,15 @@ class SchemaError : public std::runtime_error {
 //           Administrator flag defaulting to false, GroupID)
 //   Items  (ItemID generated key, OwnerKey, DateStamp date, TimeStamp hour, TimeText,
 //           Heading, Description, Urgent and Complete flags defaulting to false)
-//   TidewellSettings (Name key, Value): the link secret, the accounts lock row
+//   TidewellSettings (Name key, Value): the link secret, the accounts lock row, the schema
+//                    version (see schema_migrations.h)
 //   LoginFailures (Token key, Subject, FailedAt Unix seconds): what the login throttle counts
 // with indexes for the item lists (Items by DateStamp and OwnerKey), the group screens (Users
 // by GroupID), the login (a unique index on Users.Username, without regard to case) and the
-// throttle. A SQLite file that does not exist yet is
+// throttle, at the current schema version, recorded. A SQLite file that does not exist yet is
 // created (its folder must exist). Refuses, changing nothing, when any of the tables exists
 // already. Throws SchemaError.
 void CreateSchema(const std::string& connection_string);
-
-// Brings tables made by an earlier version up to date: adds the site's own tables that are
-// missing, the throttle's indexes and the accounts lock row in one transaction (throws
-// SchemaError when that fails, changing nothing), then, in another, the unique index on user
-// names. When accounts already share a name the index cannot be made: the answer is a warning
-// naming them (and the next upgrade tries again), otherwise "". Running it on an up-to-date
-// database changes nothing.
-std::string UpgradeSchema(const std::string& connection_string);
 
 // What PrepareEmbeddedDatabase found or did.
 struct EmbeddedDatabaseReport {

@@ -20,11 +20,17 @@ struct Command {
 int ServeCommand(int argc, char** argv);
 int RenderCommand(int argc, char** argv);
 int InitDbCommand(int argc, char** argv);
+int MigrateCommand(int argc, char** argv);
+int BackupCommand(int argc, char** argv);
 
 int ConfigCommand(int argc, char** argv);
 
 // --config FILE when given, else the built-in defaults; then the TIDEWELL_ variables of the
 // environment (host/config.h, ApplyEnvironment).
 SiteConfig ConfigFrom(const Arguments& args);
+
+// The database a command works on: --connection STRING, else the ConnectionString of the
+// page at / of --config FILE. Throws std::invalid_argument when neither is given.
+std::string ConnectionFrom(const Arguments& args);
 
 }  // namespace tidewell

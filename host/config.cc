@@ -299,7 +299,9 @@ SiteConfig LoadConfig(const std::string& path) {
   } catch (const std::exception& e) {
     throw ConfigError(e.what());
   }
-  return ParseConfig(text, path);
+  SiteConfig config = ParseConfig(text, path);
+  config.file = path;
+  return config;
 }
 
 }  // namespace tidewell

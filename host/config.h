@@ -42,6 +42,7 @@ struct PageConfig {
 };
 
 struct SiteConfig {
+  std::string file;  // the file it was read from; "" for the built-in defaults
   std::string listen = "127.0.0.1:8080";
   std::string locale = "en-US";
   std::optional<std::string> link_secret;

@@ -1,11 +1,10 @@
 // tidewell init-db: the calendar's tables on an empty database.
 
 #include <cstdio>
-#include <optional>
-#include <stdexcept>
 #include <string>
 
 #include "data/schema.h"
+#include "data/schema_migrations.h"
 #include "host/commands.h"
 #include "host/site_setup.h"
 
@@ -15,8 +14,9 @@ namespace {
 constexpr const char* kInitDbUsage =
     "Usage: tidewell init-db (--connection STRING | --config FILE)\n"
     "\n"
-    "Creates the tables Groups, Users and Items, with their keys and indexes, on an empty\n"
-    "database. Refuses when any of them exists already.\n"
+    "Creates the tables Groups, Users and Items, with their keys and indexes, and the site's\n"
+    "own TidewellSettings and LoginFailures on an empty database, at the current schema\n"
+    "version, recorded in TidewellSettings. Refuses when any of them exists already.\n"
     "\n"
     "  --connection STRING  e.g. \"Provider=SQLite;Data Source=var/tidewell.db\" or\n"
     "                       \"Provider=PostgreSQL;host=db.example;dbname=tidewell\"\n"
@@ -28,17 +28,14 @@ int InitDbCommand(int argc, char** argv) {
   const Arguments args(argc, argv, 0);
   if (args.Has("help")) return std::fputs(kInitDbUsage, stdout), 0;
   args.Expect({"connection", "config", "help"});
-  std::optional<std::string> connection = args.Get("connection");
-  if (!connection && args.Has("config")) {
-    connection = ConfigFrom(args).pages.front().PropertyValue("ConnectionString");
-  }
-  if (!connection) throw std::invalid_argument("give --connection STRING or --config FILE");
-  CreateSchema(*connection);
+  const std::string connection = ConnectionFrom(args);
+  CreateSchema(connection);
   // Made here rather than by the first server, so that servers started together agree at once.
-  SiteLinkSecret(*connection);
-  std::puts(
+  SiteLinkSecret(connection);
+  std::puts(std::string(
       "tidewell init-db: created the tables Groups, Users and Items, and the site's own "
-      "TidewellSettings (with a new link secret) and LoginFailures");
+      "TidewellSettings (with a new link secret) and LoginFailures, at schema version " +
+      std::to_string(kSchemaVersion)).c_str());
   return 0;
 }
 

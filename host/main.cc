@@ -17,6 +17,8 @@ constexpr Command kCommands[] = {
     {"render", "print the HTML the calendar writes for one request", RenderCommand},
     {"init-db", "create the calendar's tables on an empty database", InitDbCommand},
     {"config", "print the effective configuration, secrets masked", ConfigCommand},
+    {"migrate", "bring the database's schema up to this tidewell's version", MigrateCommand},
+    {"backup", "copy the embedded database while the server runs", BackupCommand},
 };
 
 void PrintUsage(std::FILE* to) {

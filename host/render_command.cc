@@ -57,6 +57,7 @@ int RenderCommand(int argc, char** argv) {
   AspRequest request = RequestFrom(args);
   const PageConfig* page = config.FindPage(request.ServerVariables("URL"));
   if (page == nullptr) page = &config.pages.front();
+  RefuseOtherSchemaVersion(config, page->PropertyValue("ConnectionString"));
   std::cout << ViewComponentSource(*page, PrepareSigning(config), request);
   return 0;
 }

@@ -27,6 +27,8 @@ constexpr const char* kServeUsage =
     "A request's headers and body must arrive within RequestTimeout seconds (10) or the\n"
     "connection is closed; idle kept-alive connections close after IdleTimeout (30).\n"
     "One access line per request goes to standard error, without query strings.\n"
+    "A database of an older schema version is refused (run `tidewell migrate` first), and\n"
+    "so is one a newer tidewell upgraded.\n"
     "\n"
     "Every key can also be set as TIDEWELL_<NAME> in the environment (or read from the file\n"
     "TIDEWELL_<NAME>_FILE names), which wins over the file; `tidewell config` shows the result.\n"

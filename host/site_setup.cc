@@ -2,12 +2,14 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <optional>
 #include <stdexcept>
 #include <vector>
 
 #include "accounts/stored_passwords.h"
 #include "data/database_error.h"
 #include "data/schema.h"
+#include "data/schema_migrations.h"
 #include "data/site_settings.h"
 #include "runtime/regional_settings.h"
 
@@ -28,33 +30,68 @@ std::vector<std::string> ConfiguredDatabases(const SiteConfig& config) {
   return databases;
 }
 
-// Makes one configured database ready: creates a SQLite file that is missing, brings tables of
-// an earlier version up to date and hashes passwords it kept as typed. A failure is logged,
-// not fatal: the pages then show the error screen with its advice, as they would for any
-// database trouble.
-void PrepareDatabase(const std::string& connection_string) {
+// Makes one configured database ready: creates a SQLite file that is missing, refuses a
+// database of another schema version (throws std::runtime_error), and hashes passwords it
+// kept as typed. A database that cannot be reached is logged, not fatal: the pages then show
+// the error screen with its advice, as they would for any database trouble.
+void PrepareDatabase(const SiteConfig& config, const std::string& connection_string) {
   EmbeddedDatabaseReport report = PrepareEmbeddedDatabase(connection_string);
   using Outcome = EmbeddedDatabaseReport::Outcome;
   if (report.outcome == Outcome::kCreated || report.outcome == Outcome::kFailed) {
     std::fprintf(stderr, "tidewell: %s\n", report.message.c_str());
   }
   if (report.outcome == Outcome::kFailed) return;
+  if (!RefuseOtherSchemaVersion(config, connection_string)) return;
   try {
-    if (std::string warning = UpgradeSchema(connection_string); !warning.empty()) {
+    if (std::string warning = SharedNamesWarning(connection_string); !warning.empty()) {
       std::fprintf(stderr, "tidewell: warning: %s\n", warning.c_str());
     }
     if (int hashed = HashPasswordsKeptAsTyped(connection_string); hashed > 0) {
       std::fprintf(stderr, "tidewell: replaced %d stored password%s with %s hash\n", hashed,
                    hashed == 1 ? "" : "s", hashed == 1 ? "its" : "their");
     }
-  } catch (const SchemaError& error) {
-    std::fprintf(stderr, "tidewell: %s\n", error.what());
   } catch (const ado::DatabaseError& error) {
     std::fprintf(stderr, "tidewell: cannot prepare the database: %s\n", error.what());
   }
 }
 
+// How the refusal tells the operator to name the database to migrate.
+std::string MigrateArguments(const SiteConfig& config, const std::string& connection_string) {
+  return config.file.empty() ? "--connection '" + connection_string + "'"
+                             : "--config " + config.file;
+}
+
 }  // namespace
+
+bool RefuseOtherSchemaVersion(const SiteConfig& config, const std::string& connection_string) {
+  std::optional<int> version;
+  try {
+    version = ReadSchemaVersion(connection_string);
+  } catch (const ado::DatabaseError& error) {
+    std::fprintf(stderr, "tidewell: cannot read the database's schema version: %s\n",
+                 error.what());
+    return false;
+  }
+  if (!version) {
+    std::fprintf(stderr,
+                 "tidewell: the database has none of the calendar's tables: create them with "
+                 "`tidewell init-db %s`\n",
+                 MigrateArguments(config, connection_string).c_str());
+    return false;
+  }
+  if (*version < kSchemaVersion) {
+    throw std::runtime_error("the database has schema version " + std::to_string(*version) +
+                             ", this tidewell needs " + std::to_string(kSchemaVersion) +
+                             ": run `tidewell migrate " +
+                             MigrateArguments(config, connection_string) + "`");
+  }
+  if (*version > kSchemaVersion) {
+    throw std::runtime_error("the database was upgraded by a newer tidewell (version " +
+                             std::to_string(*version) + "); this one knows up to " +
+                             std::to_string(kSchemaVersion) + ": run the newer tidewell");
+  }
+  return true;
+}
 
 std::string DefaultAssetFolder() {
   return TIDEWELL_ASSET_DIR;
@@ -95,7 +132,7 @@ LinkSigning PrepareSigning(const SiteConfig& config) {
 PreparedSite PrepareSite(const SiteConfig& config) {
   PrepareRegionalSettings(config);
   for (const std::string& connection_string : ConfiguredDatabases(config)) {
-    PrepareDatabase(connection_string);
+    PrepareDatabase(config, connection_string);
   }
   std::string folder = config.asset_folder.empty() ? DefaultAssetFolder() : config.asset_folder;
   return {std::make_unique<SiteSigning>(config), StaticAssets::Load(folder)};

@@ -17,10 +17,16 @@ struct PreparedSite {
 };
 
 // Puts the configured regional settings in force, makes each configured database ready (a
-// SQLite file that does not exist yet is created, tables of an earlier version are brought up
-// to date, passwords kept as typed are hashed), reads the images and the style sheet, and
+// SQLite file that does not exist yet is created, a database of another schema version is
+// refused, passwords kept as typed are hashed), reads the images and the style sheet, and
 // settles the secret that signs keys in links. Throws std::runtime_error saying what is wrong.
 PreparedSite PrepareSite(const SiteConfig& config);
+
+// Throws std::runtime_error, saying what to run, when the database has an older or a newer
+// schema version than this tidewell's. Answers whether the version could be read and is the
+// current one; a database that cannot be read or has no tables yet is only logged, as the
+// pages then show the error screen for it.
+bool RefuseOtherSchemaVersion(const SiteConfig& config, const std::string& connection_string);
 
 // The asset folder of this build, used when the configuration names none.
 std::string DefaultAssetFolder();

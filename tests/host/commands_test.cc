@@ -1,31 +1,17 @@
 // The tidewell binary's other commands, run as a user would run them.
 
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
-#include <array>
-#include <cstdio>
 #include <filesystem>
 #include <string>
+
+#include "tests/host/run_tidewell.h"
 
 namespace tidewell {
 namespace {
 
-struct CommandRun {
-  int status;
-  std::string output;  // standard output and standard error together
-};
-
-// `environment`: variables for the command, "NAME=value ..." as a shell takes them.
-CommandRun RunTidewell(const std::string& arguments, const std::string& environment = "") {
-  std::string command = environment + " " + TIDEWELL_BINARY + " " + arguments + " 2>&1";
-  FILE* pipe = popen(command.c_str(), "r");
-  std::string output;
-  std::array<char, 4096> buffer;
-  while (size_t n = fread(buffer.data(), 1, buffer.size(), pipe)) output.append(buffer.data(), n);
-  int status = pclose(pipe);
-  return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, output};
-}
+using testing::CommandRun;
+using testing::RunTidewell;
 
 TEST(InitDb, CreatesTheTablesOnceAndThenRefuses) {
   std::string db = ::testing::TempDir() + "/init_db_test_" + std::to_string(getpid()) + ".db";
@@ -34,7 +20,7 @@ TEST(InitDb, CreatesTheTablesOnceAndThenRefuses) {
   EXPECT_EQ(first.status, 0) << first.output;
   EXPECT_EQ(first.output,
             "tidewell init-db: created the tables Groups, Users and Items, and the site's own "
-            "TidewellSettings (with a new link secret) and LoginFailures\n");
+            "TidewellSettings (with a new link secret) and LoginFailures, at schema version 2\n");
   CommandRun second = RunTidewell("init-db " + connection);
   EXPECT_EQ(second.status, 1);
   EXPECT_NE(second.output.find("Nothing was changed."), std::string::npos) << second.output;
@@ -48,8 +34,8 @@ TEST(InitDb, WithoutAConnectionIsAUsageError) {
 }
 
 TEST(Help, EveryCommandHasIt) {
-  for (const char* command :
-       {"--help", "serve --help", "render --help", "init-db --help", "config --help"}) {
+  for (const char* command : {"--help", "serve --help", "render --help", "init-db --help",
+                              "migrate --help", "backup --help", "config --help"}) {
     CommandRun run = RunTidewell(command);
     EXPECT_EQ(run.status, 0) << command;
     EXPECT_EQ(run.output.rfind("Usage: tidewell", 0), 0u) << command << ": " << run.output;
