@@ -20,8 +20,14 @@ struct Command {
 int ServeCommand(int argc, char** argv);
 int RenderCommand(int argc, char** argv);
 int InitDbCommand(int argc, char** argv);
+int UserCommand(int argc, char** argv);
+int VersionCommand(int argc, char** argv);
 
 // --config FILE when given, else the built-in defaults.
 SiteConfig ConfigFrom(const Arguments& args);
+
+// The database a command works on: --connection STRING, else the ConnectionString of the
+// page at "/" in --config FILE. Throws std::invalid_argument when neither is given.
+std::string ConnectionStringFrom(const Arguments& args);
 
 }  // namespace tidewell

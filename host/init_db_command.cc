@@ -24,18 +24,20 @@ constexpr const char* kInitDbUsage =
 
 }  // namespace
 
+std::string ConnectionStringFrom(const Arguments& args) {
+  if (std::optional<std::string> connection = args.Get("connection")) return *connection;
+  if (args.Has("config")) return ConfigFrom(args).pages.front().PropertyValue("ConnectionString");
+  throw std::invalid_argument("give --connection STRING or --config FILE");
+}
+
 int InitDbCommand(int argc, char** argv) {
   const Arguments args(argc, argv, 0);
   if (args.Has("help")) return std::fputs(kInitDbUsage, stdout), 0;
   args.Expect({"connection", "config", "help"});
-  std::optional<std::string> connection = args.Get("connection");
-  if (!connection && args.Has("config")) {
-    connection = ConfigFrom(args).pages.front().PropertyValue("ConnectionString");
-  }
-  if (!connection) throw std::invalid_argument("give --connection STRING or --config FILE");
-  CreateSchema(*connection);
+  const std::string connection = ConnectionStringFrom(args);
+  CreateSchema(connection);
   // Made here rather than by the first server, so that servers started together agree at once.
-  SiteLinkSecret(*connection);
+  SiteLinkSecret(connection);
   std::puts(
       "tidewell init-db: created the tables Groups, Users and Items, and the site's own "
       "TidewellSettings (with a new link secret) and LoginFailures");

@@ -47,7 +47,8 @@ TEST(InitDb, WithoutAConnectionIsAUsageError) {
 }
 
 TEST(Help, EveryCommandHasIt) {
-  for (const char* command : {"--help", "serve --help", "render --help", "init-db --help"}) {
+  for (const char* command : {"--help", "serve --help", "render --help", "init-db --help",
+                              "user --help", "version --help"}) {
     CommandRun run = RunTidewell(command);
     EXPECT_EQ(run.status, 0) << command;
     EXPECT_EQ(run.output.rfind("Usage: tidewell", 0), 0u) << command << ": " << run.output;
