@@ -12,6 +12,10 @@ Statement OwnerKeyStatement(std::string_view owner_key) {
   return Statement("SELECT OwnerKey FROM Users WHERE OwnerKey = ").Text(owner_key);
 }
 
+Statement AccountStatement(std::string_view owner_key) {
+  return Statement("SELECT * FROM Users WHERE OwnerKey = ").Text(owner_key);
+}
+
 Statement InsertGroupStatement(std::string_view name) {
   return Statement("INSERT INTO Groups (GroupName) VALUES (").Text(name).Add(")");
 }

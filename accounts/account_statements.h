@@ -15,6 +15,9 @@ ado::Statement AdministratorFlagStatement(std::string_view owner_key);
 // "SELECT OwnerKey FROM Users WHERE OwnerKey = " K: whether an account has the key.
 ado::Statement OwnerKeyStatement(std::string_view owner_key);
 
+// "SELECT * FROM Users WHERE OwnerKey = " K: the whole account, to change it.
+ado::Statement AccountStatement(std::string_view owner_key);
+
 // "INSERT INTO Groups (GroupName) VALUES (" N ")": fails when a group has the name already.
 ado::Statement InsertGroupStatement(std::string_view name);
 

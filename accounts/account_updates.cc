@@ -3,10 +3,10 @@
 #include <optional>
 #include <string>
 
+#include "accounts/account_records.h"
 #include "accounts/account_statements.h"
 #include "accounts/password_fields.h"
 #include "accounts/password_hash.h"
-#include "component/link_keys.h"
 #include "component/page.h"
 #include "data/open_database.h"
 #include "data/recordset.h"
@@ -21,50 +21,8 @@ namespace {
 using ado::Recordset;
 using ado::Statement;
 
-// --- Statements ---
-
-Statement UsersTable() {
-  return Statement("Users");
-}
-
-Statement UserNamedStatement(std::string_view name) {
-  return Statement("SELECT UserName, OwnerKey FROM Users WHERE UserName = ").Text(name);
-}
-
-Statement InitialsStatement(std::string_view initials) {
-  return Statement(
-             "SELECT Users.Initials, Users.OwnerKey, Users.UserName, Groups.GroupName, "
-             "Groups.GroupID FROM Groups INNER JOIN Users ON Groups.GroupID = Users.GroupID "
-             "WHERE Users.Initials = ")
-      .Text(initials);
-}
-
-Statement AccountStatement(std::string_view key) {
-  return Statement("SELECT * FROM Users WHERE OwnerKey = ").Text(key);
-}
-
-Statement GroupNamedStatement(std::string_view name) {
-  return Statement("SELECT GroupID FROM Groups WHERE GroupName = ").Text(name);
-}
-
-Statement DeleteItemsStatement(std::string_view key) {
-  return Statement("DELETE FROM Items WHERE OwnerKey = ").Text(key);
-}
-
-Statement DeleteUserStatement(std::string_view key) {
-  return Statement("DELETE FROM Users WHERE OwnerKey = ").Text(key);
-}
-
 Statement DeleteEveryGroupStatement() {
   return Statement("DELETE FROM Groups");
-}
-
-// --- Reading ---
-
-// Whether a group id read from the database is the one the form posted ("groupid" as text).
-bool IsPostedGroup(const Variant& group_id, const std::string& posted) {
-  std::optional<double> number = ParseNumericText(posted);
-  return number && !group_id.IsNull() && CDbl(group_id) == *number;
 }
 
 // --- The uniqueness checks of the administrator form ---
@@ -76,13 +34,12 @@ bool ClashesWith(const Page& page, const std::string& owner_key) {
 }
 
 void CheckName(Page& page) {
-  Recordset rs;
-  rs.Open(UserNamedStatement(page.FormValue("username")), *page.Connection);
-  if (rs.Eof() || !ClashesWith(page, CStrOrBlank(rs.Fields("OwnerKey").Value()))) return;
+  std::optional<NamedAccount> holder =
+      FindAccountNamed(*page.Connection, page.FormValue("username"));
+  if (!holder || !ClashesWith(page, holder->owner_key)) return;
   page.ErrorFlag = true;
-  page.ErrorText =
-      "<br>There is already a user named: " + EscapeHtml(CStrOrBlank(rs.Fields("UserName").Value())) +
-      ", Please choose another.";
+  page.ErrorText = "<br>There is already a user named: " + EscapeHtml(holder->user_name) +
+                   ", Please choose another.";
   page.ErrorKind = "U";
 }
 
@@ -99,50 +56,28 @@ bool RecheckName(Page& page) {
 // Only an account that joins an existing group can clash: a new group has no members yet.
 void CheckInitials(Page& page) {
   if (!Trim(page.FormValue("newgroup")).empty()) return;
-  const std::string group = page.FormValue("groupid");
-  Recordset rs;
-  rs.Open(InitialsStatement(page.FormValue("initials")), *page.Connection);
-  for (; !rs.Eof(); rs.MoveNext()) {
-    if (!IsPostedGroup(rs.Fields("GroupID").Value(), group)) continue;
-    if (!ClashesWith(page, CStrOrBlank(rs.Fields("OwnerKey").Value()))) continue;
-    page.ErrorFlag = true;
-    page.ErrorText += "<br>There is already a user with the initials: " +
-                      EscapeHtml(CStrOrBlank(rs.Fields("Initials").Value())) +
-                      " in the group: " + EscapeHtml(CStrOrBlank(rs.Fields("GroupName").Value())) +
-                      ".<br>The user is: " + EscapeHtml(CStrOrBlank(rs.Fields("UserName").Value())) +
-                      ".";
-    // Kept beside a "U" of the name check, so that the form empties both fields.
-    page.ErrorKind += "I";
-    return;
-  }
+  std::optional<std::string_view> changing;
+  if (!page.NewUserMode) changing = page.UserKey;
+  std::optional<InitialsHolder> holder = FindInitialsHolder(
+      *page.Connection, page.FormValue("initials"), page.FormValue("groupid"), changing);
+  if (!holder) return;
+  page.ErrorFlag = true;
+  page.ErrorText +=
+      "<br>There is already a user with the initials: " + EscapeHtml(holder->initials) +
+      " in the group: " + EscapeHtml(holder->group_name) +
+      ".<br>The user is: " + EscapeHtml(holder->user_name) + ".";
+  // Kept beside a "U" of the name check, so that the form empties both fields.
+  page.ErrorKind += "I";
 }
 
 // --- Writing ---
-
-// A key no account has yet. Keys are 128 random bits, so the first is all but certainly
-// free; the check makes it certain.
-std::string FreshOwnerKey(Page& page) {
-  for (;;) {
-    std::string key = GenerateOwnerKey();
-    Recordset rs;
-    rs.Open(OwnerKeyStatement(key), *page.Connection);
-    if (rs.Eof()) return key;
-  }
-}
 
 // The group the account goes to: one named in "newgroup", made first when there is none of
 // that name (the insert is simply refused when there is one), else the chosen "groupid".
 Variant ChosenGroup(Page& page) {
   const std::string new_group = page.FormValue("newgroup");
   if (Trim(new_group).empty()) return Variant(page.FormValue("groupid"));
-  try {
-    page.Connection->Execute(InsertGroupStatement(new_group));
-  } catch (const ado::DatabaseError&) {
-    // A group of that name exists already: the account joins it.
-  }
-  Recordset rs;
-  rs.Open(GroupNamedStatement(new_group), *page.Connection);
-  return rs.Fields("GroupID").Value();
+  return JoinGroupNamed(*page.Connection, new_group);
 }
 
 // "+" and the four display options as the request carries them.
@@ -162,23 +97,18 @@ std::string UsersOwnShowAllFlag(const Page& page, const std::string& stored_opti
 }
 
 void AddAccount(Page& page) {
-  const std::string key = FreshOwnerKey(page);
-  const Variant group = ChosenGroup(page);
-  Recordset rs;
-  rs.Open(UsersTable(), *page.Connection, ado::adOpenDynamic, ado::adLockOptimistic);
-  rs.AddNew();
-  rs.Fields("OwnerKey").SetValue(key);
-  // The first administrator comes from the welcome screen's form; no other path sets the flag.
-  if (page.RequestValue("welcome") == "y") rs.Fields("Administrator").SetValue(true);
-  rs.Fields("GroupID").SetValue(group);
-  rs.Fields("UserName").SetValue(page.FormValue("username"));
-  rs.Fields("Password").SetValue(HashPassword(page.FormValue("password")));
-  rs.Fields("Initials").SetValue(page.FormValue("initials"));
-  rs.Fields("DefaultView").SetValue(page.FormValue("defaultview"));
-  rs.Fields("Options").SetValue(page.RequestValue("loadgroupdata") + DisplayOptionsTail(page));
-  rs.Update();
-  rs.Close();
-  page.UserKey = key;
+  NewAccount account;
+  account.owner_key = FreshOwnerKey(*page.Connection);
+  account.group_id = ChosenGroup(page);
+  account.user_name = page.FormValue("username");
+  account.password_hash = HashPassword(page.FormValue("password"));
+  account.initials = page.FormValue("initials");
+  account.default_view = page.FormValue("defaultview");
+  account.options = page.RequestValue("loadgroupdata") + DisplayOptionsTail(page);
+  // The first administrator comes from the welcome screen's form; no other form sets the flag.
+  account.administrator = page.RequestValue("welcome") == "y";
+  InsertAccount(*page.Connection, account);
+  page.UserKey = account.owner_key;
 }
 
 void ChangeAccount(Page& page, AccountForm form) {
@@ -250,8 +180,7 @@ void ProcessAccount(Page& page, AccountForm form) {
 void DeleteUser(Page& page, std::string_view key) {
   const std::string deleted(key);
   try {
-    page.Connection->Execute(DeleteItemsStatement(deleted));
-    page.Connection->Execute(DeleteUserStatement(deleted));
+    DeleteAccountWithItems(*page.Connection, deleted);
     if (!page.AdminKey.empty() && page.AdminKey != page.UserKey) {
       page.UserKey = page.AdminKey;
       return;

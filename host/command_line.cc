@@ -5,10 +5,21 @@
 
 namespace tidewell {
 
-Arguments::Arguments(int argc, char** argv, int first, std::vector<std::string> flags) {
+Arguments::Arguments(int argc, char** argv, int first, std::vector<std::string> flags,
+                     PositionalWords positional_words) {
+  const bool collect = positional_words == PositionalWords::kCollected;
   for (int i = first; i < argc; ++i) {
     std::string word = argv[i];
-    if (word.rfind("--", 0) != 0) throw std::invalid_argument("unexpected argument " + word);
+    if (collect && word == "--") {
+      // The rest are words even when they look like options: a user named "--x".
+      positionals_.insert(positionals_.end(), argv + i + 1, argv + argc);
+      return;
+    }
+    if (word.rfind("--", 0) != 0) {
+      if (!collect) throw std::invalid_argument("unexpected argument " + word);
+      positionals_.push_back(word);
+      continue;
+    }
     std::string name = word.substr(2);
     std::string value;
     if (size_t eq = name.find('='); eq != std::string::npos) {

@@ -19,6 +19,8 @@ constexpr Command kCommands[] = {
     {"config", "print the effective configuration, secrets masked", ConfigCommand},
     {"migrate", "bring the database's schema up to this tidewell's version", MigrateCommand},
     {"backup", "copy the embedded database while the server runs", BackupCommand},
+    {"user", "list, add, change and delete accounts", UserCommand},
+    {"version", "print the versions of tidewell and of its database libraries", VersionCommand},
 };
 
 void PrintUsage(std::FILE* to) {
@@ -26,7 +28,10 @@ void PrintUsage(std::FILE* to) {
   for (const Command& command : kCommands) {
     std::fprintf(to, "  %-9s %s\n", command.name, command.summary);
   }
-  std::fputs("\nRun 'tidewell COMMAND --help' for a command's options.\n", to);
+  std::fputs(
+      "\nRun 'tidewell COMMAND --help' for a command's options; 'tidewell --version'\n"
+      "prints the versions.\n",
+      to);
 }
 
 const Command* FindCommand(const std::string& name) {
@@ -39,6 +44,7 @@ const Command* FindCommand(const std::string& name) {
 int Main(int argc, char** argv) {
   std::string name = argc > 1 ? argv[1] : "";
   if (name == "--help" || name == "-h" || name == "help") return PrintUsage(stdout), 0;
+  if (name == "--version") name = "version";
   const Command* command = FindCommand(name);
   if (command == nullptr) return PrintUsage(stderr), 2;
   try {

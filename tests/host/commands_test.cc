@@ -35,7 +35,8 @@ TEST(InitDb, WithoutAConnectionIsAUsageError) {
 
 TEST(Help, EveryCommandHasIt) {
   for (const char* command : {"--help", "serve --help", "render --help", "init-db --help",
-                              "migrate --help", "backup --help", "config --help"}) {
+                              "migrate --help", "backup --help", "config --help",
+                              "user --help", "version --help"}) {
     CommandRun run = RunTidewell(command);
     EXPECT_EQ(run.status, 0) << command;
     EXPECT_EQ(run.output.rfind("Usage: tidewell", 0), 0u) << command << ": " << run.output;
