@@ -12,6 +12,7 @@ packages=(
   postgresql-15 postgresql-contrib
   libboost-dev
   chromium
+  prometheus python3
 )
 # Node.js and npm drive Chromium in the browser tests. A machine that already has both keeps
 # its own (a newer Node.js package may itself provide npm and refuse Debian's).
