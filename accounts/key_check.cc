@@ -56,8 +56,14 @@ void RejectAdminKey(Page& page) {
 
 void ConfirmLinkKeys(Page& page) {
   try {
-    if (page.UserKeyInLink && !Confirmed(page, *page.UserKeyInLink)) RejectUserKey(page);
-    if (page.AdminKeyInLink && !Confirmed(page, *page.AdminKeyInLink)) RejectAdminKey(page);
+    if (page.UserKeyInLink && !Confirmed(page, *page.UserKeyInLink)) {
+      ++page.LinkKeysRefused;
+      RejectUserKey(page);
+    }
+    if (page.AdminKeyInLink && !Confirmed(page, *page.AdminKeyInLink)) {
+      ++page.LinkKeysRefused;
+      RejectAdminKey(page);
+    }
   } catch (const ado::DatabaseError& error) {
     TrapDatabaseError(page, error);
   }

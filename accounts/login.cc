@@ -45,7 +45,8 @@ Statement AnyAdministratorStatement(ASPDataServer dialect) {
 }
 
 // The invalid-login notice, whatever was wrong: the name, the password, or too many tries.
-std::string RefuseLogin(Page& page) {
+std::string RefuseLogin(Page& page, LoginRefusal why) {
+  page.LoginRefused = why;
   page.ErrorFlag = true;
   page.ErrorKind = "LA";
   page.ErrorText = kInvalidLogin;
@@ -164,13 +165,15 @@ std::string LoginUser(Page& page, std::string_view user_name, std::string_view p
     LoginAttempt attempt;
     if (throttled) {
       attempt = AdmitLoginAttempt(page, user_name);
-      if (!attempt.admitted) return RefuseLogin(page);
+      if (!attempt.admitted) return RefuseLogin(page, LoginRefusal::kThrottled);
     }
     Recordset rs;
     rs.Open(LoginStatement(user_name), *page.Connection);
     std::optional<std::string> stored;
     if (!rs.Eof()) stored = CStrOrBlank(rs.Fields("Password").Value());
-    if (!PasswordMatches(stored, password, source)) return RefuseLogin(page);
+    if (!PasswordMatches(stored, password, source)) {
+      return RefuseLogin(page, LoginRefusal::kCredentials);
+    }
     if (throttled) ForgetLoginAttempt(page, attempt);
     page.Screen = CLng(rs.Fields("DefaultView").Value());
     page.ReturnView = page.Screen;

@@ -70,7 +70,10 @@ void ReadItemField(Page& page, const std::string& field) {
 void ReadUserKeyField(Page& page, const std::string& field) {
   page.UserKeyInLink = ReadSignedKey(field);
   page.UserKey = page.UserKeyInLink ? page.UserKeyInLink->key : "";
-  if (!page.UserKeyInLink) RejectUserKey(page);
+  if (!page.UserKeyInLink) {
+    if (!field.empty()) ++page.LinkKeysRefused;
+    RejectUserKey(page);
+  }
 }
 
 // Field 7: the acting administrator's key. One that fails the check is dropped but remembered,
@@ -79,6 +82,7 @@ void ReadAdminKeyField(Page& page, const std::string& field) {
   page.AdminKeyInLink = ReadSignedKey(field);
   page.AdminKey = page.AdminKeyInLink ? page.AdminKeyInLink->key : "";
   page.AdminKeyRejected = !field.empty() && !page.AdminKeyInLink;
+  if (page.AdminKeyRejected) ++page.LinkKeysRefused;
 }
 
 }  // namespace

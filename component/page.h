@@ -35,6 +35,10 @@ inline constexpr long kSearchHelp = 16;
 inline constexpr long kCount = 17;
 }  // namespace screens
 
+// Why the login form was refused: the name and password did not match an account, or the
+// throttle refused the attempt before they were checked (accounts/login_throttle.h).
+enum class LoginRefusal { kNone, kCredentials, kThrottled };
+
 // Browser kinds, from the user agent; several screens size themselves by it.
 namespace browsers {
 inline constexpr long kExplorer = 0;
@@ -114,6 +118,9 @@ struct Page {
   std::string SearchResults;
   std::shared_ptr<ado::Connection> Connection;  // opened at step 8 of Show, closed at its end
   long long StatementsRun = 0;  // by Connection, counted when it closed (for the access log)
+  // What the host counts for its metrics; nothing in the component reads them.
+  int LinkKeysRefused = 0;  // keys a link carried that were malformed, expired or not signed
+  LoginRefusal LoginRefused = LoginRefusal::kNone;
 
   // Request("name") / Request.Form("name"), or "" when no request is bound.
   std::string RequestValue(std::string_view name) const { return request ? (*request)(name) : ""; }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <memory>
 #include <string>
@@ -78,6 +79,15 @@ std::unique_ptr<Session> AcquireSession(const std::string& connection_string,
 // reusable. Every session AcquireSession handed out comes back here, a null one (closed by
 // its holder) included, so that the pool may open another in its place.
 void ReleaseSession(const std::string& connection_string, std::unique_ptr<Session> session);
+
+// The sessions of every pool together, as they stand: handed out to requests, open but idle,
+// and requests waiting for one because their pool is full. A snapshot for monitoring.
+struct PoolStats {
+  size_t in_use = 0;
+  size_t idle = 0;
+  size_t waiting = 0;
+};
+PoolStats PoolStatistics();
 
 // Closes every idle pooled session, e.g. before a database is dropped or at shutdown.
 void ClosePooledSessions();

@@ -42,6 +42,7 @@ struct Registry {
   std::condition_variable session_freed;
   std::vector<std::pair<std::string, SessionFactory>> providers;
   std::map<std::string, Pool> pools;
+  size_t waiting = 0;  // requests inside WaitForSession, all pools together
 
   Registry() {
     providers.emplace_back("SQLite", OpenSqliteSession);
@@ -108,9 +109,13 @@ Lease WaitForSession(Registry& registry, const std::string& connection_string,
   std::unique_lock lock(registry.mutex);
   Pool& pool = registry.pools[connection_string];
   Lease lease;
-  const bool ready = registry.session_freed.wait_for(lock, limits.wait, [&] {
-    return !pool.idle.empty() || pool.open < limits.max_sessions;
-  });
+  auto available = [&] { return !pool.idle.empty() || pool.open < limits.max_sessions; };
+  bool ready = available();
+  if (!ready) {
+    ++registry.waiting;
+    ready = registry.session_freed.wait_for(lock, limits.wait, available);
+    --registry.waiting;
+  }
   if (!ready) {
     throw DatabaseError(error_numbers::kFail,
                         "Timeout expired. All " + std::to_string(limits.max_sessions) +
@@ -190,6 +195,18 @@ void ReleaseSession(const std::string& connection_string, std::unique_ptr<Sessio
   }
   session.reset();  // closes outside the lock
   CountClosed(registry, connection_string);
+}
+
+PoolStats PoolStatistics() {
+  Registry& registry = TheRegistry();
+  std::lock_guard lock(registry.mutex);
+  PoolStats stats;
+  for (const auto& [text, pool] : registry.pools) {
+    stats.idle += pool.idle.size();
+    stats.in_use += pool.open - std::min(pool.open, pool.idle.size());
+  }
+  stats.waiting = registry.waiting;
+  return stats;
 }
 
 void ClosePooledSessions() {

@@ -22,6 +22,15 @@ void PrepareComponent(ASPTidewell& component, const ScriptingContext& context,
   }
 }
 
+// The answer's page facts: what the access log and the metrics count.
+HostAnswer WithPageFacts(HostAnswer answer, const Page& page) {
+  answer.statements = page.StatementsRun;
+  if (page.ErrorFlag) answer.error_kind = page.ErrorKind;
+  answer.link_keys_refused = page.LinkKeysRefused;
+  answer.login_refused = page.LoginRefused;
+  return answer;
+}
+
 }  // namespace
 
 HostAnswer RunComponent(const PageConfig& page, const LinkSigning& signing,
@@ -34,13 +43,17 @@ HostAnswer RunComponent(const PageConfig& page, const LinkSigning& signing,
     component.Show();
     component.OnEndPage();
   } catch (const AutomationError& e) {
-    return {400, "text/plain; charset=utf-8",
-            "Bad request: run-time error " + std::to_string(e.number()) + ", " + e.what() + ".\n",
-            "-", component.page().StatementsRun};
+    HostAnswer refused;
+    refused.status = 400;
+    refused.content_type = "text/plain; charset=utf-8";
+    refused.body =
+        "Bad request: run-time error " + std::to_string(e.number()) + ", " + e.what() + ".\n";
+    return WithPageFacts(std::move(refused), component.page());
   }
-  return {200, "text/html; charset=utf-8",
-          FillPageTemplate(page.page_template, SettleFrameHeight(response.TakeBody())),
-          std::to_string(component.page().Screen), component.page().StatementsRun};
+  HostAnswer answer;
+  answer.body = FillPageTemplate(page.page_template, SettleFrameHeight(response.TakeBody()));
+  answer.screen = std::to_string(component.page().Screen);
+  return WithPageFacts(std::move(answer), component.page());
 }
 
 std::string ViewComponentSource(const PageConfig& page, const LinkSigning& signing,

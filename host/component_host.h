@@ -4,6 +4,7 @@
 
 #include "component/asp_objects.h"
 #include "component/link_keys.h"
+#include "component/page.h"
 #include "host/config.h"
 
 namespace tidewell {
@@ -18,6 +19,11 @@ struct HostAnswer {
   std::string screen = "-";
   // The statements the page ran on the database, for the access log.
   long long statements = 0;
+  // For the metrics: the pending error the page ended with ("DP", "LA", ...; "" for none), the
+  // link keys it refused, and why a login form was refused.
+  std::string error_kind;
+  int link_keys_refused = 0;
+  LoginRefusal login_refused = LoginRefusal::kNone;
 };
 
 // Runs the component for one request the way an ASP page did: create it, OnStartPage with the

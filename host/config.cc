@@ -82,6 +82,8 @@ class ConfigReader {
     std::string path = TrimBlanks(std::string_view(line).substr(6, line.size() - 7));
     if (path.empty() || path[0] != '/') Fail("a page path starts with \"/\"");
     if (config.FindPage(path) != nullptr) Fail("page " + path + " is configured twice");
+    if (path == "/healthz" || path == "/readyz" || path == "/metrics")
+      Fail(path + " is the server's own; a page cannot take it");
     PageConfig section = config.pages.front();  // the top lines, then the section's own
     section.path = path;
     config.pages.push_back(section);
@@ -123,6 +125,16 @@ class ConfigReader {
       if (value.empty() || value.find_first_of("\r\n") != std::string::npos)
         Fail("ContentSecurityPolicy takes a policy on one line");
       config.content_security_policy = value;
+    } else if (EqualsIgnoringCase(name, "Metrics")) {
+      if (value != "on" && value != "off") Fail("Metrics is on or off, not " + value);
+      config.metrics = value == "on";
+    } else if (EqualsIgnoringCase(name, "MetricsAllow")) {
+      config.metrics_allow = ParseNetworkList(name, value);
+    } else if (EqualsIgnoringCase(name, "TrustedProxies")) {
+      config.trusted_proxies = ParseNetworkList(name, value);
+    } else if (EqualsIgnoringCase(name, "LogFormat")) {
+      if (value != "text" && value != "json") Fail("LogFormat is text or json, not " + value);
+      config.log_format = value == "json" ? LogFormat::kJson : LogFormat::kText;
     } else {
       Fail("unknown name " + name);
     }
@@ -182,6 +194,14 @@ class ConfigReader {
            std::to_string(high) + ", not " + value);
     }
     return n;
+  }
+
+  std::vector<IpNetwork> ParseNetworkList(const std::string& name, const std::string& value) {
+    try {
+      return ParseNetworks(value);
+    } catch (const std::invalid_argument& e) {
+      Fail(name + " lists addresses and networks such as 10.0.0.0/8 or ::1: " + e.what());
+    }
   }
 
   // "https://a.example, https://b.example:8443" or 'self': the sources of frame-ancestors.
@@ -260,7 +280,8 @@ std::vector<std::string_view> HostKeyNames() {
   return {"Listen",         "Locale",       "LinkSecret",     "LinkLifetime",
           "AssetFolder",    "RequestTimeout", "IdleTimeout",  "MaxConnections",
           "Workers",        "FrameAncestors", "ContentSecurityPolicy", "PageTemplate",
-          "AutoLogin"};
+          "AutoLogin",      "Metrics",      "MetricsAllow",   "LogFormat",
+          "TrustedProxies"};
 }
 
 std::vector<std::string> ApplyEnvironment(SiteConfig& config, char** environment) {

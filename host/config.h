@@ -6,6 +6,9 @@
 #include <string_view>
 #include <vector>
 
+#include "host/access_log.h"
+#include "host/ip_networks.h"
+
 namespace tidewell {
 
 // A configuration file: "Name = Value" lines. Names are the component's properties (set in
@@ -16,7 +19,8 @@ namespace tidewell {
 //
 // Host keys: Listen (host:port), Locale (en-US, en-GB), LinkSecret, LinkLifetime (seconds),
 // AssetFolder, the server's limits (RequestTimeout, IdleTimeout, MaxConnections, Workers) and
-// its headers (FrameAncestors, ContentSecurityPolicy) apply to the whole server; PageTemplate
+// its headers (FrameAncestors, ContentSecurityPolicy), what it tells a monitor (Metrics,
+// MetricsAllow, LogFormat) and whom it believes (TrustedProxies) apply to the whole server; PageTemplate
 // (a file) and AutoLogin (user, password, readonly) to the page they stand in.
 
 struct PropertySetting {
@@ -59,6 +63,12 @@ struct SiteConfig {
   std::vector<std::string> frame_ancestors;
   // Replaces the built-in Content-Security-Policy (host/security_headers.h) when set.
   std::optional<std::string> content_security_policy;
+  // /metrics answers (host/service_endpoints.h), to loopback clients and these networks.
+  bool metrics = false;
+  std::vector<IpNetwork> metrics_allow;
+  LogFormat log_format = LogFormat::kText;
+  // Proxies whose X-Forwarded-For names the client (host/client_address.h); none by default.
+  std::vector<IpNetwork> trusted_proxies;
   std::vector<PageConfig> pages;  // the page at "/" first
 
   const PageConfig* FindPage(std::string_view path) const;

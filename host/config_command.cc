@@ -7,7 +7,9 @@
 #include <string>
 #include <string_view>
 
+#include "host/access_log.h"
 #include "host/commands.h"
+#include "host/ip_networks.h"
 #include "runtime/conversions.h"
 #include "runtime/strings.h"
 
@@ -51,6 +53,12 @@ void PrintLine(std::string_view name, std::string_view value) {
               static_cast<int>(value.size()), value.data());
 }
 
+std::string NetworkList(const std::vector<IpNetwork>& networks) {
+  std::string list;
+  for (const IpNetwork& network : networks) list += (list.empty() ? "" : ", ") + NetworkText(network);
+  return list;
+}
+
 void PrintServerKeys(const SiteConfig& config) {
   PrintLine("Listen", config.listen);
   PrintLine("Locale", config.locale);
@@ -74,6 +82,12 @@ void PrintServerKeys(const SiteConfig& config) {
   }
   if (config.content_security_policy) {
     PrintLine("ContentSecurityPolicy", *config.content_security_policy);
+  }
+  PrintLine("Metrics", config.metrics ? "on" : "off");
+  if (!config.metrics_allow.empty()) PrintLine("MetricsAllow", NetworkList(config.metrics_allow));
+  PrintLine("LogFormat", config.log_format == LogFormat::kJson ? "json" : "text");
+  if (!config.trusted_proxies.empty()) {
+    PrintLine("TrustedProxies", NetworkList(config.trusted_proxies));
   }
 }
 

@@ -22,6 +22,7 @@
 #include <stdexcept>
 #include <thread>
 
+#include "host/client_address.h"
 #include "runtime/clock.h"
 #include "runtime/dates.h"
 #include "runtime/strings.h"
@@ -130,10 +131,12 @@ HttpAnswer PlainAnswer(int status, std::string text) {
 }
 
 struct HttpServer::State {
-  State(Handler handler, HttpServerLimits limits, HeaderList common_headers)
+  State(Handler handler, HttpServerLimits limits, HeaderList common_headers,
+        HttpServerAccess access)
       : limits(limits),
         handler(std::move(handler)),
         common_headers(std::move(common_headers)),
+        access(std::move(access)),
         workers(limits.workers == 0 ? 1 : limits.workers),
         acceptor(asio::make_strand(io)),
         signals(io, SIGINT, SIGTERM) {}
@@ -154,6 +157,7 @@ struct HttpServer::State {
   Clock::time_point last_limit_warning{};
   Handler handler;
   HeaderList common_headers;
+  HttpServerAccess access;
   asio::io_context io;
   // Declared after `io`: joined before it goes, so no worker posts into a destroyed context.
   asio::thread_pool workers;
@@ -173,7 +177,7 @@ class Session : public std::enable_shared_from_this<Session> {
       : stream_(std::move(socket)), server_(server), number_(++server.next_connection_number) {
     ++server_.connections;
     boost::system::error_code ignored;
-    remote_address_ = stream_.socket().remote_endpoint(ignored).address().to_string();
+    peer_address_ = stream_.socket().remote_endpoint(ignored).address().to_string();
   }
   ~Session() {
     LeaveIdle();
@@ -317,8 +321,20 @@ class Session : public std::enable_shared_from_this<Session> {
       request.headers.emplace_back(std::string(field.name_string()), std::string(field.value()));
     }
     request.body = std::move(message.body());
-    request.remote_address = remote_address_;
+    request.peer_address = peer_address_;
+    request.remote_address = ClientAddressOf(message);
     return request;
+  }
+
+  // Every X-Forwarded-For header, in order, read as one list.
+  std::string ClientAddressOf(const http::request<http::string_body>& message) const {
+    std::string forwarded_for;
+    auto [first, last] = message.equal_range("X-Forwarded-For");
+    for (auto field = first; field != last; ++field) {
+      if (!forwarded_for.empty()) forwarded_for += ',';
+      forwarded_for += View(field->value());
+    }
+    return ClientAddress(peer_address_, forwarded_for, server_.access.trusted_proxies);
   }
 
   HttpAnswer RunHandler(const HttpRequest& request) {
@@ -335,10 +351,12 @@ class Session : public std::enable_shared_from_this<Session> {
   // Answers a request that could not be read, then closes: the rest of it is not worth reading.
   void Refuse(int status, std::string text) {
     HttpRequest request;
-    request.remote_address = remote_address_;
+    request.peer_address = peer_address_;
+    request.remote_address = ClientAddress(peer_address_, "", {});
     if (parser_ && parser_->is_header_done()) {
       request.method = std::string(parser_->get().method_string());
       request.path = PathOf(View(parser_->get().target()));
+      request.remote_address = ClientAddressOf(parser_->get());
     }
     request.version = "HTTP/1.1";
     keep_alive_ = false;
@@ -361,9 +379,17 @@ class Session : public std::enable_shared_from_this<Session> {
     response->keep_alive(keep_alive);
 
     // Logged as the answer leaves, so that the line is there by the time the client has it.
-    LogAnswer({request.method, request.path, request.version, std::move(answer.log_screen),
-               std::move(answer.log_statements), answer.status,
-               request.method == "HEAD" ? 0 : bytes});
+    AccessRecord record;
+    record.time = LogTime();
+    record.remote = request.remote_address;
+    record.method = request.method;
+    record.path = request.path;
+    record.version = request.version;
+    record.status = answer.status;
+    record.bytes = request.method == "HEAD" ? 0 : bytes;
+    record.screen = std::move(answer.log_screen);
+    record.statements = std::move(answer.log_statements);
+    Report(std::move(record));
     stream_.expires_after(server_.limits.idle_timeout);
     http::async_write(stream_, *response,
                       [self = shared_from_this(), response, keep_alive](beast::error_code ec,
@@ -376,19 +402,10 @@ class Session : public std::enable_shared_from_this<Session> {
                       });
   }
 
-  struct LogLine {
-    std::string method, path, version, screen, statements;
-    int status = 0;
-    size_t bytes = 0;
-  };
-
-  void LogAnswer(const LogLine& line) {
-    double ms = std::chrono::duration<double, std::milli>(Clock::now() - started_).count();
-    std::fprintf(stderr, "%s %s \"%s %s %s\" %d %zu screen=%s statements=%s %.1fms\n",
-                 LogTime().c_str(), remote_address_.c_str(),
-                 line.method.empty() ? "-" : LogSafe(line.method, 16).c_str(),
-                 line.path.empty() ? "-" : LogSafe(line.path).c_str(), line.version.c_str(),
-                 line.status, line.bytes, line.screen.c_str(), line.statements.c_str(), ms);
+  void Report(AccessRecord record) {
+    record.duration_ms = std::chrono::duration<double, std::milli>(Clock::now() - started_).count();
+    if (server_.access.on_answer) return server_.access.on_answer(record);
+    std::fputs(AccessLine(record, LogFormat::kText).c_str(), stderr);
   }
 
   // After a refusal the client may still be sending what was refused. Closing with its bytes
@@ -422,7 +439,7 @@ class Session : public std::enable_shared_from_this<Session> {
   HttpServer::State& server_;
   beast::flat_buffer buffer_;
   std::optional<http::request_parser<http::string_body>> parser_;
-  std::string remote_address_;
+  std::string peer_address_;
   const uint64_t number_;
   bool idle_ = false;       // waiting for a request's first bytes
   bool under_way_ = false;  // counted in the server's requests_under_way
@@ -468,8 +485,10 @@ void Accept(HttpServer::State& server) {
 
 }  // namespace
 
-HttpServer::HttpServer(Handler handler, HttpServerLimits limits, HeaderList common_headers)
-    : state_(std::make_unique<State>(std::move(handler), limits, std::move(common_headers))) {
+HttpServer::HttpServer(Handler handler, HttpServerLimits limits, HeaderList common_headers,
+                       HttpServerAccess access)
+    : state_(std::make_unique<State>(std::move(handler), limits, std::move(common_headers),
+                                     std::move(access))) {
   // A write to a connection the client has closed must fail, not end the process; a stray
   // SIGUSR1 must neither.
   ::signal(SIGPIPE, SIG_IGN);

@@ -8,6 +8,9 @@
 #include <utility>
 #include <vector>
 
+#include "host/access_log.h"
+#include "host/ip_networks.h"
+
 namespace tidewell {
 
 // One HTTP request as the server read it, whole: headers and body are complete before anyone
@@ -19,7 +22,10 @@ struct HttpRequest {
   std::string version;  // "HTTP/1.1"
   std::vector<std::pair<std::string, std::string>> headers;
   std::string body;
-  std::string remote_address;  // the peer's IP address as text: "127.0.0.1", "::1"
+  // The client's IP address as text ("127.0.0.1", "::1"): the peer's, or the one a trusted
+  // proxy forwarded for (host/client_address.h).
+  std::string remote_address;
+  std::string peer_address;  // the socket's other end
 
   // The first header of that name (without regard to case), or "".
   std::string Header(std::string_view name) const;
@@ -61,6 +67,15 @@ struct HttpServerLimits {
   std::chrono::milliseconds drain_timeout{std::chrono::seconds(10)};
 };
 
+// Who the client is, and who hears of each answer.
+struct HttpServerAccess {
+  // Peers whose X-Forwarded-For names the client (host/client_address.h).
+  std::vector<IpNetwork> trusted_proxies;
+  // Called once per answer as it leaves, on an event-loop thread, so it must not block. When
+  // unset, the access line goes to standard error in text.
+  std::function<void(const AccessRecord&)> on_answer;
+};
+
 // An event-driven HTTP/1.1 server (Boost.Beast on Asio). Connections are read and written on a
 // couple of event-loop threads without blocking; only a complete request is handed to the
 // handler, on a worker thread, and its answer is written back on the connection's own strand.
@@ -70,15 +85,16 @@ struct HttpServerLimits {
 // For every request it answers: HEAD like GET without the body; a request whose headers or
 // body break the limits with 431 or 413; an unreadable request with 400; a handler that throws
 // with a plain 500 page (the exception's text goes to the log only). `common_headers` go on
-// every answer, the server's own error answers included. One access line per answer goes to
-// standard error: time, peer, method, path without the query string, screen, status, bytes,
-// duration.
+// every answer, the server's own error answers included. Every answer is reported to
+// `access.on_answer` (host/access_log.h): time, client, method, path without the query string,
+// screen, status, bytes, statements, duration.
 class HttpServer {
  public:
   using Handler = std::function<HttpAnswer(const HttpRequest&)>;
 
   HttpServer(Handler handler, HttpServerLimits limits,
-             std::vector<std::pair<std::string, std::string>> common_headers);
+             std::vector<std::pair<std::string, std::string>> common_headers,
+             HttpServerAccess access = {});
   ~HttpServer();
 
   // Binds HOST:PORT (an IPv6 address without brackets; port 0 takes a free port) and returns

@@ -7,7 +7,9 @@
 #include "host/component_host.h"
 #include "host/http_request.h"
 #include "host/http_server.h"
+#include "host/metrics.h"
 #include "host/security_headers.h"
+#include "host/service_endpoints.h"
 #include "host/site_setup.h"
 #include "host/static_assets.h"
 
@@ -35,12 +37,17 @@ Endpoint ParseEndpoint(const std::string& listen) {
   return endpoint;
 }
 
-// Answers every request: a configured page runs the component, an image or the style sheet
-// comes from memory, anything else is not found. Called on the server's worker threads.
+// Answers every request: the server's own paths (host/service_endpoints.h), a configured page
+// runs the component, an image or the style sheet comes from memory, anything else is not
+// found. Called on the server's worker threads.
 class Site {
  public:
-  Site(const SiteConfig& config, SiteSigning& signing, StaticAssets assets)
-      : config_(config), signing_(signing), assets_(std::move(assets)) {}
+  Site(const SiteConfig& config, SiteSigning& signing, StaticAssets assets, Metrics& metrics)
+      : config_(config),
+        signing_(signing),
+        assets_(std::move(assets)),
+        metrics_(metrics),
+        service_(config, metrics) {}
 
   HttpAnswer Answer(const HttpRequest& request) const {
     bool get = request.method == "GET" || request.method == "HEAD";
@@ -49,6 +56,7 @@ class Site {
       answer.headers.emplace_back("Allow", "GET, HEAD, POST");
       return answer;
     }
+    if (std::optional<HttpAnswer> answer = service_.Answer(request)) return std::move(*answer);
     if (const PageConfig* page = config_.FindPage(request.path)) return AnswerPage(*page, request);
     if (get) {
       if (const StaticAssets::Asset* asset = assets_.Find(request.path)) {
@@ -68,9 +76,12 @@ class Site {
     try {
       host = RunComponent(page, signing_.Current(), ToAspRequest(request));
     } catch (const ado::DatabaseError& e) {
+      metrics_.CountEscapedDatabaseError();
       // Its text may quote a value from the request; the log gets the number only.
       throw std::runtime_error("database error " + std::to_string(e.number()));
     }
+    metrics_.CountPage(host.statements, host.error_kind, host.link_keys_refused,
+                       host.login_refused);
     HttpAnswer answer;
     answer.status = host.status;
     answer.content_type = std::move(host.content_type);
@@ -84,6 +95,8 @@ class Site {
   const SiteConfig& config_;
   SiteSigning& signing_;
   StaticAssets assets_;
+  Metrics& metrics_;
+  mutable ServiceEndpoints service_;
 };
 
 HttpServerLimits LimitsOf(const SiteConfig& config) {
@@ -95,15 +108,27 @@ HttpServerLimits LimitsOf(const SiteConfig& config) {
   return limits;
 }
 
+// Each answer as it leaves: one access line on standard error, and the request counters.
+HttpServerAccess AccessOf(const SiteConfig& config, Metrics& metrics) {
+  HttpServerAccess access;
+  access.trusted_proxies = config.trusted_proxies;
+  access.on_answer = [format = config.log_format, &metrics](const AccessRecord& record) {
+    std::fputs(AccessLine(record, format).c_str(), stderr);
+    metrics.CountAnswer(record.screen, record.status, record.duration_ms / 1000);
+  };
+  return access;
+}
+
 }  // namespace
 
 int Serve(const SiteConfig& config, const std::string& listen) {
   Endpoint endpoint = ParseEndpoint(listen);
   PreparedSite prepared = PrepareSite(config);
-  Site site(config, *prepared.signing, std::move(prepared.assets));
+  Metrics metrics;
+  Site site(config, *prepared.signing, std::move(prepared.assets), metrics);
 
   HttpServer server([&site](const HttpRequest& request) { return site.Answer(request); },
-                    LimitsOf(config), SecurityHeaders(config));
+                    LimitsOf(config), SecurityHeaders(config), AccessOf(config, metrics));
   int port = 0;
   try {
     port = server.Bind(endpoint.host, endpoint.port);

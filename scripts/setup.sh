@@ -14,6 +14,7 @@ packages=(
   chromium
   systemd
   nginx-light
+  prometheus python3
 )
 # Node.js and npm drive Chromium in the browser tests. A machine that already has both keeps
 # its own (a newer Node.js package may itself provide npm and refuse Debian's).

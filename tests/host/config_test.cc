@@ -57,6 +57,42 @@ TEST(Config, BadValueStopsWithItsLine) {
   EXPECT_NE(ErrorOf("DefaultStartHour = noon\n").find("site.conf:1:"), std::string::npos);
 }
 
+TEST(Config, MonitoringKeysAreOffAndEmptyByDefault) {
+  SiteConfig config = ParseConfig("", "site.conf");
+  EXPECT_FALSE(config.metrics);
+  EXPECT_TRUE(config.metrics_allow.empty());
+  EXPECT_TRUE(config.trusted_proxies.empty());
+  EXPECT_EQ(config.log_format, LogFormat::kText);
+}
+
+TEST(Config, MonitoringKeysTakeTheirValues) {
+  SiteConfig config = ParseConfig(
+      "Metrics = on\nMetricsAllow = 10.0.0.0/8, 2001:db8::/32\nLogFormat = json\n"
+      "TrustedProxies = 192.0.2.1 ::1\n",
+      "site.conf");
+  EXPECT_TRUE(config.metrics);
+  EXPECT_EQ(config.metrics_allow.size(), 2u);
+  EXPECT_TRUE(NetworksContain(config.metrics_allow, "10.9.9.9"));
+  EXPECT_EQ(config.log_format, LogFormat::kJson);
+  EXPECT_TRUE(NetworksContain(config.trusted_proxies, "::1"));
+  EXPECT_FALSE(ParseConfig("Metrics = off\n", "f").metrics);
+}
+
+TEST(Config, BadMonitoringValuesStopWithTheirLine) {
+  EXPECT_EQ(ErrorOf("\nMetrics = yes\n"), "site.conf:2: Metrics is on or off, not yes");
+  EXPECT_EQ(ErrorOf("LogFormat = xml\n"), "site.conf:1: LogFormat is text or json, not xml");
+  EXPECT_EQ(ErrorOf("Visible = True\nMetricsAllow = 10.0.0.0/40\n"),
+            "site.conf:2: MetricsAllow lists addresses and networks such as 10.0.0.0/8 or ::1: "
+            "10.0.0.0/40: the prefix length is a number from 0 to 32");
+  EXPECT_EQ(ErrorOf("TrustedProxies = proxy.example\n"),
+            "site.conf:1: TrustedProxies lists addresses and networks such as 10.0.0.0/8 or ::1: "
+            "proxy.example is not an IP address or network");
+  EXPECT_EQ(ErrorOf("[page /metrics]\n"),
+            "site.conf:1: /metrics is the server's own; a page cannot take it");
+  EXPECT_EQ(ErrorOf("[page /x]\nMetrics = on\n"),
+            "site.conf:2: Metrics applies to the whole server; set it before any [page] section");
+}
+
 TEST(Config, ServerLimitsHaveDefaultsAndTakeWholeNumbers) {
   SiteConfig defaults = ParseConfig("", "site.conf");
   EXPECT_EQ(defaults.request_timeout_seconds, 10);
