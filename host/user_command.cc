@@ -12,6 +12,7 @@
 #include "accounts/password_hash.h"
 #include "data/connection.h"
 #include "data/database_error.h"
+#include "data/transaction.h"
 #include "host/account_table.h"
 #include "host/commands.h"
 #include "host/password_input.h"
@@ -50,19 +51,10 @@ const std::vector<std::string> kFlags = {"help", "admin", "force", "password-std
 // and the writes see the same accounts. Any exception rolls everything back.
 template <typename Work>
 void UnderAccountsLock(ado::Connection& connection, Work work) {
-  connection.BeginTrans();
-  try {
+  InOneTransaction(connection, [&] {
     connection.Execute(LockAccountsStatement());
     work();
-    connection.CommitTrans();
-  } catch (...) {
-    try {
-      connection.RollbackTrans();
-    } catch (const ado::DatabaseError&) {
-      // Closing the connection rolls back as well.
-    }
-    throw;
-  }
+  });
 }
 
 std::runtime_error Refusal(const std::string& reason) {
