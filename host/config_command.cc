@@ -10,7 +10,7 @@
 #include "host/access_log.h"
 #include "host/commands.h"
 #include "host/ip_networks.h"
-#include "runtime/conversions.h"
+#include "host/password_masking.h"
 #include "runtime/strings.h"
 
 namespace tidewell {
@@ -25,28 +25,6 @@ constexpr const char* kConfigUsage =
     "password in a ConnectionString) are masked. Exits 1 when the configuration is bad.\n";
 
 constexpr const char* kMask = "********";
-
-// "Provider=PostgreSQL;host=db;password=x" with the password's value masked.
-std::string MaskedConnectionString(std::string_view text) {
-  std::string masked;
-  size_t from = 0;
-  while (from <= text.size()) {
-    size_t end = text.find(';', from);
-    if (end == std::string_view::npos) end = text.size();
-    std::string_view part = text.substr(from, end - from);
-    const size_t eq = part.find('=');
-    const std::string key = eq == std::string_view::npos ? "" : Trim(part.substr(0, eq));
-    if (EqualsIgnoringCase(key, "password") || EqualsIgnoringCase(key, "pwd")) {
-      masked += std::string(part.substr(0, eq + 1)) + kMask;
-    } else {
-      masked += part;
-    }
-    if (end == text.size()) break;
-    masked += ';';
-    from = end + 1;
-  }
-  return masked;
-}
 
 void PrintLine(std::string_view name, std::string_view value) {
   std::printf("%.*s = %.*s\n", static_cast<int>(name.size()), name.data(),
@@ -95,7 +73,7 @@ void PrintPage(const PageConfig& page) {
   if (page.path != "/") std::printf("\n[page %s]\n", page.path.c_str());
   for (const PropertySetting& setting : page.properties) {
     PrintLine(setting.name, EqualsIgnoringCase(setting.name, "ConnectionString")
-                                ? MaskedConnectionString(setting.value)
+                                ? WithoutPasswords(setting.value, setting.value, kMask)
                                 : setting.value);
   }
   if (page.auto_login) {

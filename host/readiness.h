@@ -29,8 +29,4 @@ class ReadinessCheck {
   std::shared_future<Readiness> running_;
 };
 
-// `text` with every password the connection string holds (Password, Pwd, a URI's user
-// information) written as "***".
-std::string WithoutPasswords(std::string text, const std::string& connection_string);
-
 }  // namespace tidewell

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "host/readiness.h"
+#include "host/password_masking.h"
 
 namespace tidewell {
 namespace {
