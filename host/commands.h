@@ -1,5 +1,8 @@
 #pragma once
 
+#include <string>
+#include <vector>
+
 #include "host/command_line.h"
 #include "host/config.h"
 
@@ -28,8 +31,8 @@ int VersionCommand(int argc, char** argv);
 int ConfigCommand(int argc, char** argv);
 
 // --config FILE when given, else the built-in defaults; then the TIDEWELL_ variables of the
-// environment (host/config.h, ApplyEnvironment).
-SiteConfig ConfigFrom(const Arguments& args);
+// environment (host/config.h, ApplyEnvironment), whose names go to `variables` when given.
+SiteConfig ConfigFrom(const Arguments& args, std::vector<std::string>* variables = nullptr);
 
 // The database a command works on: --connection STRING, else the ConnectionString of the
 // page at / of --config FILE. Throws std::invalid_argument when neither is given.

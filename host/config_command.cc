@@ -1,8 +1,6 @@
 // tidewell config: the configuration a server would run with, from the file and the
 // environment, with its secrets masked.
 
-#include <unistd.h>
-
 #include <cstdio>
 #include <string>
 #include <string_view>
@@ -88,8 +86,8 @@ int ConfigCommand(int argc, char** argv) {
   const Arguments args(argc, argv, 0);
   if (args.Has("help")) return std::fputs(kConfigUsage, stdout), 0;
   args.Expect({"config", "help"});
-  SiteConfig config = args.Get("config") ? LoadConfig(*args.Get("config")) : DefaultConfig();
-  const std::vector<std::string> variables = ApplyEnvironment(config, environ);
+  std::vector<std::string> variables;
+  const SiteConfig config = ConfigFrom(args, &variables);
   std::printf("# from %s", args.Get("config") ? args.Get("config")->c_str() : "the defaults");
   for (const std::string& variable : variables) std::printf(", %s", variable.c_str());
   std::puts("");

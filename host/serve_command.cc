@@ -4,6 +4,8 @@
 
 #include <cstdio>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "host/commands.h"
 #include "host/server.h"
@@ -45,9 +47,10 @@ constexpr const char* kServeUsage =
 
 }  // namespace
 
-SiteConfig ConfigFrom(const Arguments& args) {
+SiteConfig ConfigFrom(const Arguments& args, std::vector<std::string>* variables) {
   SiteConfig config = args.Get("config") ? LoadConfig(*args.Get("config")) : DefaultConfig();
-  ApplyEnvironment(config, environ);
+  std::vector<std::string> used = ApplyEnvironment(config, environ);
+  if (variables != nullptr) *variables = std::move(used);
   return config;
 }
 

@@ -20,14 +20,20 @@ constexpr const char* kSortClauses[] = {
     "TimeText DESC",     "Initials ASC",        "Initials DESC", "Heading ASC", "Heading DESC",
 };
 
+// The fixed text of a named order, or null for any other.
+const char* NamedSortClause(std::string_view sort) {
+  for (const char* clause : kSortClauses) {
+    if (sort == clause) return clause;
+  }
+  return nullptr;
+}
+
 // Any other order came from a link someone wrote by hand. It stands in the statement as a
 // value without quotes, so the builder lets only a whole number through (a column's position,
 // as the engine reads ORDER BY 2) and refuses the rest: the statement fails as a statement
 // with such an order always failed, and nothing of the text reaches the engine.
 Statement& AddSort(Statement& statement, std::string_view sort) {
-  for (const char* clause : kSortClauses) {
-    if (sort == clause) return statement.Add(clause);
-  }
+  if (const char* clause = NamedSortClause(sort)) return statement.Add(clause);
   return statement.Number(sort);
 }
 
@@ -122,10 +128,7 @@ Statement DayListStatement(long mode, std::string_view date, long hour, const Li
 }
 
 bool IsNamedSort(std::string_view sort) {
-  for (const char* clause : kSortClauses) {
-    if (sort == clause) return true;
-  }
-  return false;
+  return NamedSortClause(sort) != nullptr;
 }
 
 Statement ViewListStatement(std::span<const ListCell> cells, const ListOwner& owner,
@@ -146,8 +149,8 @@ Statement ViewListStatement(std::span<const ListCell> cells, const ListOwner& ow
   // Sorted by cell first, so that the engine compares the list's columns (text without regard
   // to case, which is slow on some engines) only between items of one cell, as the cells' own
   // statements did. Within a cell the order is the list's.
-  const bool by_hour = !cells.empty() && cells.front().hour;
-  AddOwnerAndSort(statement, owner, sort, by_hour ? "DateStamp, TimeStamp, " : "DateStamp, ");
+  AddOwnerAndSort(statement, owner, sort,
+                  CellsAreHours(cells) ? "DateStamp, TimeStamp, " : "DateStamp, ");
   return statement;
 }
 

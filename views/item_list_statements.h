@@ -52,6 +52,11 @@ struct ListCell {
   std::optional<long> hour;
 };
 
+// Whether the cells are hours of days (the day view) rather than days.
+inline bool CellsAreHours(std::span<const ListCell> cells) {
+  return !cells.empty() && cells.front().hour.has_value();
+}
+
 // The items of every cell of a view at once: the day lists' columns and DateStamp, for exactly
 // the items the cells' own day list statements would select (their conditions joined by OR,
 // within the range of their days),

@@ -51,7 +51,7 @@ void ViewLists::ReadAll() {
   for (size_t i = 0; i < cells_.size(); ++i) cell_of.emplace(KeyOf(cells_[i]), i);
   std::vector<long> fetched(cells_.size(), 0);
   const ListLimit limit = LimitOf(mode_);
-  const bool by_hour = !cells_.empty() && cells_.front().hour.has_value();
+  const bool by_hour = CellsAreHours(cells_);
   const ItemReader reader(rs, /*time_table=*/false);
   ado::Field date_stamp = rs.Fields("DateStamp");
   ado::Field time_stamp = rs.Fields("TimeStamp");
