@@ -2,17 +2,15 @@
 // systemd would, and rates its sandboxing; the configuration loads as the service loads it.
 
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <array>
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <string>
 
 #include "host/config.h"
+#include "tests/host/command_run.h"
 
 namespace tidewell {
 namespace {
@@ -26,26 +24,13 @@ std::string ReadFile(const std::string& path) {
   return text.str();
 }
 
-struct CommandResult {
-  int exit_code = -1;
-  std::string output;  // standard output and error together
-};
-
-CommandResult RunShell(const std::string& command) {
-  CommandResult result;
-  FILE* pipe = ::popen((command + " 2>&1").c_str(), "r");
-  if (pipe == nullptr) return result;
-  std::array<char, 4096> buffer;
-  while (size_t n = std::fread(buffer.data(), 1, buffer.size(), pipe)) result.output.append(buffer.data(), n);
-  const int status = ::pclose(pipe);
-  result.exit_code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  return result;
-}
+using testing::CommandResult;
+using testing::RunShell;
 
 class ServiceUnit : public ::testing::Test {
  protected:
   void SetUp() override {
-    if (RunShell("command -v systemd-analyze").exit_code != 0) {
+    if (RunShell("command -v systemd-analyze").status != 0) {
       GTEST_SKIP() << "systemd-analyze is missing: scripts/setup.sh installs systemd";
     }
     unit_ = ReadFile(kDist + "tidewell.service");
@@ -76,17 +61,17 @@ class ServiceUnit : public ::testing::Test {
 
 TEST_F(ServiceUnit, SystemdReadsItWithoutAWord) {
   const CommandResult verified = RunShell("systemd-analyze verify --man=no " + UnitPath());
-  EXPECT_EQ(verified.exit_code, 0) << verified.output;
+  EXPECT_EQ(verified.status, 0) << verified.out;
   // An unknown or misspelt key is only a warning to systemd: any word at all fails here.
-  EXPECT_EQ(verified.output, "");
+  EXPECT_EQ(verified.out, "");
 }
 
 // systemd rates a unit's exposure from 0 (locked down) to 10; 2 and below it calls "OK".
 TEST_F(ServiceUnit, ItsSandboxRatesAsLowExposure) {
   const CommandResult rated =
       RunShell("systemd-analyze security --offline=true --threshold=20 " + UnitPath());
-  EXPECT_EQ(rated.exit_code, 0) << rated.output;
-  EXPECT_NE(rated.output.find("Overall exposure level"), std::string::npos) << rated.output;
+  EXPECT_EQ(rated.status, 0) << rated.out;
+  EXPECT_NE(rated.out.find("Overall exposure level"), std::string::npos) << rated.out;
 }
 
 TEST_F(ServiceUnit, RunsAsItsOwnUserWithItsStateFolderAndNothingElseWritable) {

@@ -72,4 +72,9 @@ inline CommandResult RunBinary(const std::string& binary, const std::vector<std:
   return result;
 }
 
+// Runs `command` with /bin/sh, its standard error joined to its standard output in `out`.
+inline CommandResult RunShell(const std::string& command) {
+  return RunBinary("/bin/sh", {"-c", command + " 2>&1"});
+}
+
 }  // namespace tidewell::testing

@@ -11,6 +11,7 @@
 
 #include "tests/component/seeded_database.h"
 #include "tests/component/site_visit.h"
+#include "tests/host/command_run.h"
 #include "tests/host/server_process.h"
 #include "tests/host/site_client.h"
 
@@ -22,23 +23,6 @@ using testing::LinkTitled;
 using testing::ServerProcess;
 
 constexpr const char* kNow = "TIDEWELL_NOW=2026-11-21 09:30:00";
-
-// What a command printed on standard output, and how it exited.
-struct CommandResult {
-  int status = -1;
-  std::string output;
-};
-
-CommandResult RunCommand(const std::string& command) {
-  CommandResult result;
-  FILE* pipe = popen(command.c_str(), "r");
-  if (!pipe) return result;
-  char buffer[4096];
-  for (size_t n; (n = fread(buffer, 1, sizeof buffer, pipe)) > 0;) result.output.append(buffer, n);
-  int status = pclose(pipe);
-  result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  return result;
-}
 
 // The value of one series in an exposition ("name{labels}" as written), or -1 when absent.
 double SeriesValue(const std::string& exposition, const std::string& series) {
@@ -177,8 +161,8 @@ TEST_F(ObservedSite, MetricsCountRealTrafficAndPassPromtool) {
 
   std::string file = database_.folder() + "/metrics.txt";
   std::ofstream(file) << text;
-  CommandResult promtool = RunCommand("promtool check metrics < " + file + " 2>&1");
-  EXPECT_EQ(promtool.status, 0) << promtool.output << text;
+  testing::CommandResult promtool = testing::RunShell("promtool check metrics < " + file);
+  EXPECT_EQ(promtool.status, 0) << promtool.out << text;
 
   EXPECT_EQ(SeriesValue(text, "tidewell_requests_total{screen=\"0\",status=\"200\"}"), 1) << text;
   EXPECT_EQ(SeriesValue(text, "tidewell_requests_total{screen=\"6\",status=\"200\"}"), 4) << text;
@@ -274,7 +258,7 @@ TEST_F(ObservedSite, JsonAccessLinesParseAndKeepEveryField) {
   }
   std::string file = database_.folder() + "/access.jsonl";
   std::ofstream(file) << lines;
-  CommandResult parsed = RunCommand(
+  testing::CommandResult parsed = testing::RunShell(
       "python3 -c 'import json, sys\n"
       "for line in open(sys.argv[1]):\n"
       "    r = json.loads(line)\n"
@@ -282,9 +266,9 @@ TEST_F(ObservedSite, JsonAccessLinesParseAndKeepEveryField) {
       "\"bytes\", \"screen\", \"statements\", \"duration_ms\"]), r\n"
       "    print(json.dumps([r[\"remote\"], r[\"method\"], r[\"path\"], r[\"status\"], r[\"screen\"], "
       "r[\"statements\"] is None, type(r[\"bytes\"]).__name__, type(r[\"duration_ms\"]).__name__]))\n"
-      "' " + file + " 2>&1");
-  ASSERT_EQ(parsed.status, 0) << parsed.output << lines;
-  EXPECT_EQ(parsed.output,
+      "' " + file);
+  ASSERT_EQ(parsed.status, 0) << parsed.out << lines;
+  EXPECT_EQ(parsed.out,
             "[\"127.0.0.1\", \"GET\", \"/\", 200, \"6\", false, \"int\", \"float\"]\n"
             "[\"127.0.0.1\", \"GET\", \"/we\\\"ird\\\\path\\n\\u00e9\\ufffd\\u0001\", 404, \"-\", "
             "true, \"int\", \"float\"]\n")
