@@ -18,41 +18,56 @@ namespace {
 
 enum class CellKind { kNeighbouring, kCurrent };
 
-// The days the grid shows, in drawing order: the previous month's last days up to the weekday
-// the month starts on, the month, then the next month's first days to the end of the last row.
-std::vector<ListCell> GridDays(Date shown, bool month_first) {
+// One day of the grid: its number as the cell shows it, and its date.
+struct GridCell {
+  CellKind kind;
+  int day;
+  Date date;
+};
+
+// The days the grid shows, a week a row from Sunday, in drawing order: the previous month's
+// last days up to the weekday the month starts on, the month, then the next month's first
+// days to the end of the last row.
+std::vector<GridCell> GridDays(Date shown, bool month_first) {
   const int first = FirstWeekdayOfMonth(Month(shown), Year(shown));
   const Date before = DateAdd("m", -1, shown);
   const Date after = DateAdd("m", 1, shown);
   const int before_days = DaysInMonth(Month(before), Year(before));
-  std::vector<ListCell> cells;
+  std::vector<GridCell> cells;
+  auto add = [&cells, month_first](CellKind kind, Date month, int day) {
+    cells.push_back({kind, day, GridDate(Month(month), day, Year(month), month_first, true)});
+  };
   for (int column = 1; column < first; ++column) {
-    const int day = before_days - first + 1 + column;
-    cells.push_back({GridDate(Month(before), day, Year(before), month_first, true), std::nullopt});
+    add(CellKind::kNeighbouring, before, before_days - first + 1 + column);
   }
   for (int day = 1; day <= DaysInMonth(Month(shown), Year(shown)); ++day) {
-    cells.push_back({GridDate(Month(shown), day, Year(shown), month_first, true), std::nullopt});
+    add(CellKind::kCurrent, shown, day);
   }
-  for (int day = 1; cells.size() % 7 != 0; ++day) {
-    cells.push_back({GridDate(Month(after), day, Year(after), month_first, true), std::nullopt});
-  }
+  for (int day = 1; cells.size() % 7 != 0; ++day) add(CellKind::kNeighbouring, after, day);
   return cells;
 }
 
-// One month being drawn: what every cell needs, its days' item lists, and the page as it was
-// before the view, to go back to when an item list fails.
+std::vector<ListCell> ListCellsOf(const std::vector<GridCell>& cells) {
+  std::vector<ListCell> days;
+  for (const GridCell& cell : cells) days.push_back({cell.date, std::nullopt});
+  return days;
+}
+
+// One month being drawn: its cells and their item lists, what every cell needs, and the page
+// as it was before the view, to go back to when an item list fails.
 struct MonthGrid {
   MonthGrid(Page& page, ListReading reading)
       : page(page),
         saved_page(page.PageBuffer),
-        lists(page, list_modes::kMonthCell, GridDays(page.CurrentDate, month_first), reading) {}
+        cells(GridDays(page.CurrentDate, month_first)),
+        lists(page, list_modes::kMonthCell, ListCellsOf(cells), reading) {}
 
   Page& page;
   const std::string saved_page;
   const bool month_first = IsMonthFirstDateFormat();
   const Date now = Now();
+  const std::vector<GridCell> cells;
   ViewLists lists;
-  size_t next_cell = 0;  // the cell drawn next, in GridDays order
 };
 
 std::string CellOpening(const MonthGrid& grid, CellKind kind, int day) {
@@ -82,23 +97,22 @@ std::string WeekLink(const Page& page, const char* screen, const std::string& da
          "icon_week.gif width=12 height=12 border=0 align=absmiddle ></a>";
 }
 
-// Appends the next cell, numbered `day`, with the link to its week when `week` names one
-// ("1/p" or "1/n"). False when its item list failed: the page is then back as it was before
-// the view.
-bool AppendDayCell(MonthGrid& grid, CellKind kind, int day, const char* week = nullptr) {
+// Appends the cell at `index`, with the link to its week when `week` names one ("1/p" or
+// "1/n"). False when its item list failed: the page is then back as it was before the view.
+bool AppendDayCell(MonthGrid& grid, size_t index, const char* week) {
   Page& page = grid.page;
-  const Date date = grid.lists.Cell(grid.next_cell).day;
-  const std::string date_text = CStr(date);
-  const std::string items = grid.lists.ListOf(grid.next_cell++);
+  const GridCell& cell = grid.cells[index];
+  const std::string date_text = CStr(cell.date);
+  const std::string items = grid.lists.ListOf(index);
   if (page.ErrorFlag) {
     page.PageBuffer = grid.saved_page;
     return false;
   }
   std::string& out = page.PageBuffer;
-  out += CellOpening(grid, kind, day);
+  out += CellOpening(grid, cell.kind, cell.day);
   out += BuildLink(page, "2", date_text, page.props.DefaultStartHour, 0, page.UserKey,
                    page.SortOrder, page.AdminKey);
-  out += " ><b>" + FormatTwoDigits(day) + "</b></a>&nbsp;";
+  out += " ><b>" + FormatTwoDigits(cell.day) + "</b></a>&nbsp;";
   if (week != nullptr) out += WeekLink(page, week, date_text);
   out += items;
   out += "</td>";
@@ -135,53 +149,22 @@ long MonthHeight(const Page& page, int rows) {
 void MonthView(Page& page, ListReading reading) {
   MonthGrid grid(page, reading);
   page.PageBuffer.reserve(page.PageBuffer.size() + 64 * 1024);  // a busy month's markup
-  const Date shown = page.CurrentDate;
-  const int days = DaysInMonth(Month(shown), Year(shown));
-  const int first = FirstWeekdayOfMonth(Month(shown), Year(shown));
-
   AppendWeekdayNames(page);
   page.PageBuffer +=
       "<table align=center width=610 height=460 cellpadding=3 cellspacing=0 border=1 "
       "bordercolor=" +
       page.props.TidewellColor + ">";
-
-  // The previous month's last days, up to the weekday the month starts on.
-  int rows = 0;
-  int column = 1;
-  if (first != 1) {
-    page.PageBuffer += "<tr bgcolor=#ffffff>";
-    rows = 1;
-    const Date before = DateAdd("m", -1, shown);
-    const int before_days = DaysInMonth(Month(before), Year(before));
-    for (int day = before_days - first + 2; column < first; ++day, ++column) {
-      if (!AppendDayCell(grid, CellKind::kNeighbouring, day, column == 1 ? "1/p" : nullptr))
-        return;
-    }
+  for (size_t i = 0; i < grid.cells.size(); ++i) {
+    const size_t column = i % 7;
+    const CellKind kind = grid.cells[i].kind;
+    if (column == 0) page.PageBuffer += "<tr bgcolor=#ffffff>";
+    // A row's first cell links to its week: "1/p" when the row starts in the previous month.
+    const char* week = column != 0 ? nullptr : kind == CellKind::kCurrent ? "1/n" : "1/p";
+    if (!AppendDayCell(grid, i, week)) return;
+    // A row that ends in the next month closes in capitals.
+    if (column == 6) page.PageBuffer += kind == CellKind::kCurrent ? "</tr>" : "</TR>";
   }
-
-  column = first;
-  for (int day = 1; day <= days; ++day) {
-    const char* week = nullptr;
-    if (column == 1) {
-      ++rows;
-      page.PageBuffer += "<tr bgcolor=#ffffff>";
-      week = "1/n";
-    }
-    if (!AppendDayCell(grid, CellKind::kCurrent, day, week)) return;
-    if (column == 7) {
-      page.PageBuffer += "</tr>";
-      column = 0;
-    }
-    ++column;
-  }
-
-  // The next month's first days, to the end of the last row.
-  if (column != 1) {
-    for (int day = 1; column <= 7; ++day, ++column) {
-      if (!AppendDayCell(grid, CellKind::kNeighbouring, day)) return;
-    }
-    page.PageBuffer += "</TR>";
-  }
+  const int rows = static_cast<int>(grid.cells.size() / 7);
 
   page.PageBuffer += "</table>";
   page.PageBuffer += "<!-- MonthView End -->";
