@@ -101,7 +101,8 @@ bool FileExists(const std::string& path) {
 }
 
 void RefuseWhenTablesExist(ado::Connection& connection) {
-  for (const char* table : {"Groups", "Users", "Items", "TidewellSettings", "LoginFailures"}) {
+  for (const char* table : {"Groups", "Users", "Items", "TidewellSettings", "LoginFailures",
+                            "TidewellFeedTokens"}) {
     if (connection.TableExists(table)) {
       throw SchemaError(std::string("The database already has a table named ") + table +
                         ": the tables are created only in an empty database. Nothing was changed.");

@@ -21,6 +21,8 @@ class SchemaError : public std::runtime_error {
 //   TidewellSettings (Name key, Value): the link secret, the accounts lock row, the schema
 //                    version (see schema_migrations.h)
 //   LoginFailures (Token key, Subject, FailedAt Unix seconds): what the login throttle counts
+//   TidewellFeedTokens (OwnerKey key, Token unique, ...): the accounts' feed addresses (see
+//                      FeedTokensTable in schema_migrations.h)
 // with indexes for the item lists (Items by DateStamp and OwnerKey), the group screens (Users
 // by GroupID), the login (a unique index on Users.Username, without regard to case) and the
 // throttle, at the current schema version, recorded. A SQLite file that does not exist yet is

@@ -149,6 +149,12 @@ void AddSiteTablesThrottleAndUniqueNames(ado::Connection& connection, std::strin
 // recording after the last step writes.
 void RecordTheVersionFromNowOn(ado::Connection&, std::string&) {}
 
+// Version 3: the tables of the calendar's exchange with other calendar programs.
+void AddFeedTables(ado::Connection& connection, std::string&) {
+  connection.Execute(FeedTokensTable(IsSqlite(connection) ? SqlEngine::kSqlite
+                                                          : SqlEngine::kPostgres));
+}
+
 const std::vector<MigrationStep>& Steps() {
   static const std::vector<MigrationStep> steps = {
       {1,
@@ -157,6 +163,7 @@ const std::vector<MigrationStep>& Steps() {
        AddSiteTablesThrottleAndUniqueNames},
       {2, "the database records its schema version in TidewellSettings",
        RecordTheVersionFromNowOn},
+      {3, "added TidewellFeedTokens (each account's private feed address)", AddFeedTables},
   };
   return steps;
 }
@@ -204,6 +211,29 @@ std::string Describe(const ado::DatabaseError& error) {
 }
 
 }  // namespace
+
+ado::Statement FeedTokensTable(SqlEngine engine) {
+  // The token is the whole secret of a feed address, so it is unique and looked up through
+  // its own index. BodyHash and BodyChangedAt are the feed's last body as any server served
+  // it: a server that serves a body of another hash records it and the time, so that every
+  // server answers the same Last-Modified for the same body.
+  if (engine == SqlEngine::kSqlite) {
+    return ado::Statement(
+        "CREATE TABLE TidewellFeedTokens ("
+        "OwnerKey TEXT NOT NULL PRIMARY KEY, "
+        "Token TEXT NOT NULL UNIQUE, "
+        "CreatedAt INTEGER NOT NULL, "
+        "BodyHash TEXT NOT NULL DEFAULT '', "
+        "BodyChangedAt INTEGER NOT NULL)");
+  }
+  return ado::Statement(
+      "CREATE TABLE TidewellFeedTokens ("
+      "OwnerKey text NOT NULL PRIMARY KEY, "
+      "Token text NOT NULL UNIQUE, "
+      "CreatedAt bigint NOT NULL, "
+      "BodyHash text NOT NULL DEFAULT '', "
+      "BodyChangedAt bigint NOT NULL)");
+}
 
 std::optional<int> ReadSchemaVersion(ado::Connection& connection) {
   for (const char* table : {"Groups", "Users", "Items"}) {

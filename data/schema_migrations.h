@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "data/schema.h"
+#include "data/statement.h"
 
 namespace tidewell {
 
@@ -20,7 +21,19 @@ class Connection;
 //   1  the tables, indexes and accounts lock row that init-db made before versions were
 //      recorded (a database of those with no version row reads as version 1)
 //   2  the same, and the version recorded in the database
-inline constexpr int kSchemaVersion = 2;  // the version this tidewell makes and needs
+//   3  and TidewellFeedTokens: each account's feed token (see FeedTokensTable)
+inline constexpr int kSchemaVersion = 3;  // the version this tidewell makes and needs
+
+enum class SqlEngine { kSqlite, kPostgres };
+
+// The table of feed tokens, one row per account:
+//   OwnerKey       the account (Users.OwnerKey), the key
+//   Token          32 lower-case hex digits of random, unique: the secret part of the address
+//   CreatedAt      Unix seconds when the token was made
+//   BodyHash       the hash of the last feed body served for it ('' before the first)
+//   BodyChangedAt  Unix seconds when a body of that hash was first served: Last-Modified
+// Made by the step to version 3.
+ado::Statement FeedTokensTable(SqlEngine engine);
 
 // The database's schema version: the recorded one, else, for the calendar's tables with no
 // record, 1 when they have everything version 1 has and 0 when they do not. nullopt when the

@@ -8,6 +8,7 @@
 
 #include "component/properties.h"
 #include "component/property_table.h"
+#include "feeds/site_time_zone.h"
 #include "host/page_template.h"
 #include "runtime/automation_error.h"
 #include "runtime/conversions.h"
@@ -135,6 +136,18 @@ class ConfigReader {
     } else if (EqualsIgnoringCase(name, "LogFormat")) {
       if (value != "text" && value != "json") Fail("LogFormat is text or json, not " + value);
       config.log_format = value == "json" ? LogFormat::kJson : LogFormat::kText;
+    } else if (EqualsIgnoringCase(name, "Feeds")) {
+      if (value != "on" && value != "off") Fail("Feeds is on or off, not " + value);
+      config.feeds = value == "on";
+    } else if (EqualsIgnoringCase(name, "TimeZone")) {
+      if (!IsKnownTimeZone(value)) {
+        Fail("TimeZone names a zone such as Europe/Berlin or UTC; unknown time zone " + value);
+      }
+      config.time_zone = value;
+    } else if (EqualsIgnoringCase(name, "FeedDaysBack")) {
+      config.feed_days_back = ParseWholeNumberInRange(name, value, 0, 3660);
+    } else if (EqualsIgnoringCase(name, "FeedDaysAhead")) {
+      config.feed_days_ahead = ParseWholeNumberInRange(name, value, 0, 3660);
     } else {
       Fail("unknown name " + name);
     }
@@ -267,6 +280,7 @@ SiteConfig DefaultConfig() {
   SiteConfig config;
   config.pages.emplace_back();
   config.pages.front().page_template = DefaultPageTemplate();
+  config.time_zone = SystemTimeZoneName();
   return config;
 }
 
@@ -281,7 +295,8 @@ std::vector<std::string_view> HostKeyNames() {
           "AssetFolder",    "RequestTimeout", "IdleTimeout",  "MaxConnections",
           "Workers",        "FrameAncestors", "ContentSecurityPolicy", "PageTemplate",
           "AutoLogin",      "Metrics",      "MetricsAllow",   "LogFormat",
-          "TrustedProxies"};
+          "TrustedProxies", "Feeds",      "TimeZone",       "FeedDaysBack",
+          "FeedDaysAhead"};
 }
 
 std::vector<std::string> ApplyEnvironment(SiteConfig& config, char** environment) {

@@ -20,7 +20,8 @@ namespace tidewell {
 // Host keys: Listen (host:port), Locale (en-US, en-GB), LinkSecret, LinkLifetime (seconds),
 // AssetFolder, the server's limits (RequestTimeout, IdleTimeout, MaxConnections, Workers) and
 // its headers (FrameAncestors, ContentSecurityPolicy), what it tells a monitor (Metrics,
-// MetricsAllow, LogFormat) and whom it believes (TrustedProxies) apply to the whole server; PageTemplate
+// MetricsAllow, LogFormat), whom it believes (TrustedProxies) and the feeds (Feeds, TimeZone,
+// FeedDaysBack, FeedDaysAhead) apply to the whole server; PageTemplate
 // (a file) and AutoLogin (user, password, readonly) to the page they stand in.
 
 struct PropertySetting {
@@ -69,6 +70,14 @@ struct SiteConfig {
   LogFormat log_format = LogFormat::kText;
   // Proxies whose X-Forwarded-For names the client (host/client_address.h); none by default.
   std::vector<IpNetwork> trusted_proxies;
+  // Each account's private iCalendar feed of its items (off: no feed path, no feed row).
+  bool feeds = false;
+  // The IANA zone the items' dates and hours are wall times in; DefaultConfig takes the
+  // machine's (feeds/site_time_zone.h SystemTimeZoneName).
+  std::string time_zone = "UTC";
+  // The feed's window, in days before and after today.
+  long feed_days_back = 90;
+  long feed_days_ahead = 400;
   std::vector<PageConfig> pages;  // the page at "/" first
 
   const PageConfig* FindPage(std::string_view path) const;

@@ -65,6 +65,10 @@ void PrintServerKeys(const SiteConfig& config) {
   if (!config.trusted_proxies.empty()) {
     PrintLine("TrustedProxies", NetworkList(config.trusted_proxies));
   }
+  PrintLine("Feeds", config.feeds ? "on" : "off");
+  PrintLine("TimeZone", config.time_zone);
+  PrintLine("FeedDaysBack", std::to_string(config.feed_days_back));
+  PrintLine("FeedDaysAhead", std::to_string(config.feed_days_ahead));
 }
 
 void PrintPage(const PageConfig& page) {

@@ -11,10 +11,11 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev libgoogle-perftools-dev
   postgresql-15 postgresql-contrib
   libboost-dev
+  libical-dev tzdata
   chromium
   systemd
   nginx-light
-  prometheus python3
+  prometheus python3 python3-icalendar
 )
 # Node.js and npm drive Chromium in the browser tests. A machine that already has both keeps
 # its own (a newer Node.js package may itself provide npm and refuse Debian's).

@@ -82,22 +82,54 @@ TYPED_TEST(SchemaVersions, MigrateTakesVersionOneToTheCurrentOneKeepingTheDataTh
 
   MigrationReport first = MigrateSchema(this->engine_.connection_string);
   EXPECT_EQ(first.from, 1);
-  EXPECT_EQ(first.to, 2);
-  EXPECT_EQ(first.steps, std::vector<std::string>{
-                             "schema version 1 → 2: the database records its schema version in "
-                             "TidewellSettings"});
+  EXPECT_EQ(first.to, 3);
+  EXPECT_EQ(first.steps,
+            (std::vector<std::string>{
+                "schema version 1 → 2: the database records its schema version in "
+                "TidewellSettings",
+                "schema version 2 → 3: added TidewellFeedTokens (each account's private feed "
+                "address)"}));
   EXPECT_EQ(first.warning, "");
 
   MigrationReport second = MigrateSchema(this->engine_.connection_string);
-  EXPECT_EQ(second.from, 2);
+  EXPECT_EQ(second.from, 3);
   EXPECT_TRUE(second.steps.empty());
   EXPECT_EQ(second.warning, "");
 
   this->connection_.Open(this->engine_.connection_string);
-  EXPECT_EQ(this->RecordedVersion(), "2");
+  EXPECT_EQ(this->RecordedVersion(), "3");
   EXPECT_EQ(this->Count("SELECT COUNT(*) FROM TidewellSettings WHERE Name = 'SchemaVersion'"), 1);
   EXPECT_EQ(this->Count("SELECT COUNT(*) FROM Users"), 1);
   EXPECT_EQ(this->Count("SELECT COUNT(*) FROM Items"), 1);
+}
+
+// A database of version 2 gets the feed tokens table: one row per account, tokens unique.
+TYPED_TEST(SchemaVersions, MigrateFromVersionTwoAddsTheFeedTokensTable) {
+  this->Run("DROP TABLE TidewellFeedTokens");
+  this->Run("UPDATE TidewellSettings SET Value = '2' WHERE Name = 'SchemaVersion'");
+  this->connection_.Close();
+
+  MigrationReport report = MigrateSchema(this->engine_.connection_string);
+  EXPECT_EQ(report.from, 2);
+  EXPECT_EQ(report.steps, std::vector<std::string>{"schema version 2 → 3: added "
+                                                   "TidewellFeedTokens (each account's private "
+                                                   "feed address)"});
+  this->connection_.Open(this->engine_.connection_string);
+  EXPECT_EQ(this->RecordedVersion(), "3");
+  this->Run("INSERT INTO TidewellFeedTokens (OwnerKey, Token, CreatedAt, BodyChangedAt) "
+            "VALUES ('k1', '0123456789abcdef0123456789abcdef', 1, 1)");
+  EXPECT_EQ(this->Count("SELECT COUNT(*) FROM TidewellFeedTokens WHERE BodyHash = ''"), 1);
+  for (const char* clash : {"INSERT INTO TidewellFeedTokens (OwnerKey, Token, CreatedAt, "
+                            "BodyChangedAt) VALUES ('k2', '0123456789abcdef0123456789abcdef', 1, 1)",
+                            "INSERT INTO TidewellFeedTokens (OwnerKey, Token, CreatedAt, "
+                            "BodyChangedAt) VALUES ('k1', 'ffffffffffffffffffffffffffffffff', 1, 1)"}) {
+    try {
+      this->Run(clash);
+      ADD_FAILURE() << "stored: " << clash;
+    } catch (const ado::DatabaseError& error) {
+      EXPECT_EQ(error.number(), ado::error_numbers::kIntegrityViolation) << error.what();
+    }
+  }
 }
 
 // What servers before versions did at start is the first step of the list.
@@ -111,12 +143,13 @@ TYPED_TEST(SchemaVersions, MigrateTakesVersionZeroThroughEveryStep) {
 
   MigrationReport report = MigrateSchema(this->engine_.connection_string);
   EXPECT_EQ(report.from, 0);
-  ASSERT_EQ(report.steps.size(), 2u);
+  ASSERT_EQ(report.steps.size(), 3u);
   EXPECT_EQ(report.steps[0].rfind("schema version 0 → 1: added the site's own tables", 0), 0u)
       << report.steps[0];
   EXPECT_EQ(report.steps[1].rfind("schema version 1 → 2: ", 0), 0u) << report.steps[1];
+  EXPECT_EQ(report.steps[2].rfind("schema version 2 → 3: ", 0), 0u) << report.steps[2];
   this->connection_.Open(this->engine_.connection_string);
-  EXPECT_EQ(this->RecordedVersion(), "2");
+  EXPECT_EQ(this->RecordedVersion(), "3");
   // Everything version 1 has, the version row aside.
   this->Run("DELETE FROM TidewellSettings WHERE Name = 'SchemaVersion'");
   EXPECT_EQ(ReadSchemaVersion(this->connection_), 1);
@@ -140,18 +173,18 @@ TYPED_TEST(SchemaVersions, AFailingStepRollsTheWholeMigrationBack) {
 }
 
 TYPED_TEST(SchemaVersions, MigrateRefusesADatabaseANewerTidewellUpgraded) {
-  this->Run("UPDATE TidewellSettings SET Value = '3' WHERE Name = 'SchemaVersion'");
+  this->Run("UPDATE TidewellSettings SET Value = '4' WHERE Name = 'SchemaVersion'");
   this->connection_.Close();
   try {
     MigrateSchema(this->engine_.connection_string);
-    ADD_FAILURE() << "a version 3 database was migrated";
+    ADD_FAILURE() << "a version 4 database was migrated";
   } catch (const SchemaError& error) {
     EXPECT_EQ(std::string(error.what()),
-              "The database was upgraded by a newer tidewell (version 3); this one knows up to "
-              "2: run the newer tidewell.");
+              "The database was upgraded by a newer tidewell (version 4); this one knows up to "
+              "3: run the newer tidewell.");
   }
   this->connection_.Open(this->engine_.connection_string);
-  EXPECT_EQ(this->RecordedVersion(), "3");
+  EXPECT_EQ(this->RecordedVersion(), "4");
 }
 
 // The rest of the migration still comes, so that the administrator can sign in and rename;
@@ -165,17 +198,17 @@ TYPED_TEST(SchemaVersions, MigrateNamesAccountsThatShareANameAndMakesNamesUnique
   this->connection_.Close();
 
   MigrationReport report = MigrateSchema(this->engine_.connection_string);
-  EXPECT_EQ(report.to, 2);
+  EXPECT_EQ(report.to, 3);
   EXPECT_NE(report.warning.find("more than one account is named \""), std::string::npos)
       << report.warning;
   EXPECT_EQ(SharedNamesWarning(this->engine_.connection_string), report.warning);
   this->connection_.Open(this->engine_.connection_string);
-  EXPECT_EQ(this->RecordedVersion(), "2");
+  EXPECT_EQ(this->RecordedVersion(), "3");
 
   this->Run("UPDATE Users SET Username = 'Bobby' WHERE OwnerKey = 'k2'");
   this->connection_.Close();
   MigrationReport again = MigrateSchema(this->engine_.connection_string);
-  EXPECT_EQ(again.steps, std::vector<std::string>{"schema version 2: made user names unique"});
+  EXPECT_EQ(again.steps, std::vector<std::string>{"schema version 3: made user names unique"});
   EXPECT_EQ(again.warning, "");
   EXPECT_EQ(SharedNamesWarning(this->engine_.connection_string), "");
   this->connection_.Open(this->engine_.connection_string);

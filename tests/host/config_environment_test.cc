@@ -79,6 +79,21 @@ TEST(ConfigEnvironment, ABadValueOrAMissingFileNamesTheVariable) {
   EXPECT_FALSE(config.link_secret);
 }
 
+TEST(ConfigEnvironment, FeedKeysComeFromTheEnvironmentAndAnUnknownZoneNamesTheVariable) {
+  SiteConfig config = DefaultConfig();
+  EXPECT_EQ(ErrorOf(config, {"TIDEWELL_FEEDS=on", "TIDEWELL_TIMEZONE=America/New_York",
+                             "TIDEWELL_FEEDDAYSBACK=3", "TIDEWELL_FEEDDAYSAHEAD=5"}),
+            "");
+  EXPECT_TRUE(config.feeds);
+  EXPECT_EQ(config.time_zone, "America/New_York");
+  EXPECT_EQ(config.feed_days_back, 3);
+  EXPECT_EQ(config.feed_days_ahead, 5);
+  EXPECT_EQ(ErrorOf(config, {"TIDEWELL_TIMEZONE=Moon/Tranquility"}),
+            "environment TIDEWELL_TIMEZONE: TimeZone names a zone such as Europe/Berlin or UTC; "
+            "unknown time zone Moon/Tranquility");
+  EXPECT_EQ(config.time_zone, "America/New_York");
+}
+
 TEST(ConfigEnvironment, NamesMatchWithoutRegardToCase) {
   SiteConfig config = DefaultConfig();
   EXPECT_EQ(ErrorOf(config, {"TIDEWELL_maxconnections=50", "TIDEWELL_LOCALE=en-GB"}), "");

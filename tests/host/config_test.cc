@@ -5,6 +5,8 @@
 #include <cstdio>
 #include <fstream>
 
+#include "feeds/site_time_zone.h"
+
 namespace tidewell {
 namespace {
 
@@ -91,6 +93,36 @@ TEST(Config, BadMonitoringValuesStopWithTheirLine) {
             "site.conf:1: /metrics is the server's own; a page cannot take it");
   EXPECT_EQ(ErrorOf("[page /x]\nMetrics = on\n"),
             "site.conf:2: Metrics applies to the whole server; set it before any [page] section");
+}
+
+TEST(Config, FeedKeysAreOffWithTheMachinesZoneAndAWindowByDefault) {
+  SiteConfig config = ParseConfig("", "site.conf");
+  EXPECT_FALSE(config.feeds);
+  EXPECT_EQ(config.time_zone, SystemTimeZoneName());
+  EXPECT_EQ(config.feed_days_back, 90);
+  EXPECT_EQ(config.feed_days_ahead, 400);
+}
+
+TEST(Config, FeedKeysTakeTheirValues) {
+  SiteConfig config = ParseConfig(
+      "Feeds = on\nTimeZone = Europe/Berlin\nFeedDaysBack = 7\nFeedDaysAhead = 30\n", "site.conf");
+  EXPECT_TRUE(config.feeds);
+  EXPECT_EQ(config.time_zone, "Europe/Berlin");
+  EXPECT_EQ(config.feed_days_back, 7);
+  EXPECT_EQ(config.feed_days_ahead, 30);
+  EXPECT_EQ(ParseConfig("TimeZone = UTC\n", "f").time_zone, "UTC");
+}
+
+TEST(Config, BadFeedValuesStopWithTheirLine) {
+  EXPECT_EQ(ErrorOf("Feeds = yes\n"), "site.conf:1: Feeds is on or off, not yes");
+  EXPECT_EQ(ErrorOf("\nTimeZone = Europe/Atlantis\n"),
+            "site.conf:2: TimeZone names a zone such as Europe/Berlin or UTC; unknown time zone "
+            "Europe/Atlantis");
+  EXPECT_EQ(ErrorOf("FeedDaysBack = -1\n"),
+            "site.conf:1: FeedDaysBack is a whole number from 0 to 3660, not -1");
+  EXPECT_EQ(ErrorOf("FeedDaysAhead = soon\n"), "site.conf:1: expected a whole number, not soon");
+  EXPECT_EQ(ErrorOf("[page /x]\nTimeZone = UTC\n"),
+            "site.conf:2: TimeZone applies to the whole server; set it before any [page] section");
 }
 
 TEST(Config, ServerLimitsHaveDefaultsAndTakeWholeNumbers) {

@@ -77,7 +77,7 @@ TYPED_TEST_SUITE(SchemaVersionServer, testing::Engines, testing::EngineNames);
 TYPED_TEST(SchemaVersionServer, ServeRefusesAnOlderDatabaseAndNamesTheMigration) {
   this->MakeVersionOneSite();
   const std::string log = this->ServeExpectingRefusal();
-  EXPECT_NE(log.find("tidewell serve: the database has schema version 1, this tidewell needs 2: "
+  EXPECT_NE(log.find("tidewell serve: the database has schema version 1, this tidewell needs 3: "
                      "run `tidewell migrate --config " +
                      this->config_ + "`\n"),
             std::string::npos)
@@ -86,15 +86,15 @@ TYPED_TEST(SchemaVersionServer, ServeRefusesAnOlderDatabaseAndNamesTheMigration)
 }
 
 TYPED_TEST(SchemaVersionServer, ServeAndRenderRefuseADatabaseANewerTidewellUpgraded) {
-  this->Run("UPDATE TidewellSettings SET Value = '3' WHERE Name = 'SchemaVersion'");
+  this->Run("UPDATE TidewellSettings SET Value = '4' WHERE Name = 'SchemaVersion'");
   const std::string log = this->ServeExpectingRefusal();
-  EXPECT_NE(log.find("tidewell serve: the database was upgraded by a newer tidewell (version 3); "
-                     "this one knows up to 2: run the newer tidewell\n"),
+  EXPECT_NE(log.find("tidewell serve: the database was upgraded by a newer tidewell (version 4); "
+                     "this one knows up to 3: run the newer tidewell\n"),
             std::string::npos)
       << log;
   CommandRun render = RunTidewell("render --config " + this->config_);
   EXPECT_EQ(render.status, 1);
-  EXPECT_NE(render.output.find("upgraded by a newer tidewell (version 3)"), std::string::npos)
+  EXPECT_NE(render.output.find("upgraded by a newer tidewell (version 4)"), std::string::npos)
       << render.output;
 }
 
@@ -104,11 +104,13 @@ TYPED_TEST(SchemaVersionServer, MigrateOnceThenTheSiteIsServedWithItsAccountsAnd
   EXPECT_EQ(migrate.status, 0) << migrate.output;
   EXPECT_EQ(migrate.output,
             "tidewell migrate: schema version 1 → 2: the database records its schema version in "
-            "TidewellSettings\n");
+            "TidewellSettings\n"
+            "tidewell migrate: schema version 2 → 3: added TidewellFeedTokens (each account's "
+            "private feed address)\n");
   CommandRun again = RunTidewell("migrate --config " + this->config_);
   EXPECT_EQ(again.status, 0) << again.output;
   EXPECT_EQ(again.output,
-            "tidewell migrate: the database is at schema version 2 already; nothing to do\n");
+            "tidewell migrate: the database is at schema version 3 already; nothing to do\n");
 
   auto server = this->Serve();
   const int port = server->WaitForPort();
