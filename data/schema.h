@@ -23,9 +23,10 @@ class SchemaError : public std::runtime_error {
 //   LoginFailures (Token key, Subject, FailedAt Unix seconds): what the login throttle counts
 //   TidewellFeedTokens (OwnerKey key, Token unique, ...): the accounts' feed addresses (see
 //                      FeedTokensTable in schema_migrations.h)
-// with indexes for the item lists (Items by DateStamp and OwnerKey), the group screens (Users
-// by GroupID), the login (a unique index on Users.Username, without regard to case) and the
-// throttle, at the current schema version, recorded. A SQLite file that does not exist yet is
+// with indexes for the item lists (Items by DateStamp and OwnerKey, and by OwnerKey and
+// DateStamp), the group screens (Users by GroupID), the login (a unique index on
+// Users.Username, without regard to case) and the throttle, at the current schema version,
+// recorded. A SQLite file that does not exist yet is
 // created (its folder must exist). Refuses, changing nothing, when any of the tables exists
 // already. Throws SchemaError.
 void CreateSchema(const std::string& connection_string);

@@ -155,6 +155,15 @@ void AddFeedTables(ado::Connection& connection, std::string&) {
                                                           : SqlEngine::kPostgres));
 }
 
+// Version 4: the views read a range of days of each owner, and the index on the owner alone
+// led the engine, before it had statistics, to read every item the owner ever had.
+void IndexItemsByOwnerAndDate(ado::Connection& connection, std::string&) {
+  connection.Execute(ado::Statement("DROP INDEX IF EXISTS Items_OwnerKey"));
+  connection.Execute(
+      ado::Statement(
+      "CREATE INDEX IF NOT EXISTS Items_OwnerKey_DateStamp ON Items (OwnerKey, DateStamp)"));
+}
+
 const std::vector<MigrationStep>& Steps() {
   static const std::vector<MigrationStep> steps = {
       {1,
@@ -164,6 +173,8 @@ const std::vector<MigrationStep>& Steps() {
       {2, "the database records its schema version in TidewellSettings",
        RecordTheVersionFromNowOn},
       {3, "added TidewellFeedTokens (each account's private feed address)", AddFeedTables},
+      {4, "the items' index on their owner also holds their date (Items_OwnerKey_DateStamp)",
+       IndexItemsByOwnerAndDate},
   };
   return steps;
 }

@@ -22,7 +22,8 @@ class Connection;
 //      recorded (a database of those with no version row reads as version 1)
 //   2  the same, and the version recorded in the database
 //   3  and TidewellFeedTokens: each account's feed token (see FeedTokensTable)
-inline constexpr int kSchemaVersion = 3;  // the version this tidewell makes and needs
+//   4  the items' index on OwnerKey replaced by one on (OwnerKey, DateStamp)
+inline constexpr int kSchemaVersion = 4;  // the version this tidewell makes and needs
 
 enum class SqlEngine { kSqlite, kPostgres };
 

@@ -1,6 +1,8 @@
 #include "views/item_list_statements.h"
 
 #include <algorithm>
+#include <cmath>
+#include <vector>
 
 #include "runtime/strings.h"
 #include "views/item_list.h"
@@ -73,6 +75,18 @@ Statement& AddCellConditions(Statement& statement, std::span<const ListCell> cel
   return statement.Add(")");
 }
 
+// Whether the cells are whole days, one for each day from the first to the last.
+bool CellsAreEveryDayOfTheirRange(std::span<const ListCell> cells) {
+  std::vector<long> days;
+  for (const ListCell& cell : cells) {
+    if (cell.hour) return false;
+    days.push_back(static_cast<long>(std::floor(cell.day.serial)));
+  }
+  std::sort(days.begin(), days.end());
+  days.erase(std::unique(days.begin(), days.end()), days.end());
+  return !days.empty() && days.back() - days.front() + 1 == static_cast<long>(days.size());
+}
+
 Statement DayListBeginning(long mode) {
   switch (mode) {
     case list_modes::kMonthCell:
@@ -136,16 +150,20 @@ Statement ViewListStatement(std::span<const ListCell> cells, const ListOwner& ow
   Statement statement(
       "SELECT ItemID, Heading, TimeStamp, TimeText, Urgent, Initials, Complete, DateStamp FROM "
       "Items INNER JOIN Users ON Items.OwnerKey = Users.OwnerKey WHERE DateStamp >= ");
-  // The range first: it holds every cell's day and leads the engine to the index on DateStamp
-  // even before it has statistics of the table, where a long OR alone may not.
+  // The range holds every cell's day. With the owner it is one stretch of the index on
+  // (OwnerKey, DateStamp) for each owner, and even before the engine has statistics of the
+  // table it keeps a long OR of the cells from leading to a scan.
   const auto [first, last] = std::minmax_element(
       cells.begin(), cells.end(),
       [](const ListCell& a, const ListCell& b) { return a.day.serial < b.day.serial; });
   statement.DateValue(first == cells.end() ? Date{} : first->day, dialect)
       .Add(" AND DateStamp <= ")
-      .DateValue(last == cells.end() ? Date{} : last->day, dialect)
-      .Add(" AND ");
-  AddCellConditions(statement, cells, dialect);
+      .DateValue(last == cells.end() ? Date{} : last->day, dialect);
+  // A range of whole days (a month's grid, a week) says all the cells say: the engine reads
+  // it as one stretch of the index instead of a probe for each day and owner.
+  if (!CellsAreEveryDayOfTheirRange(cells)) {
+    AddCellConditions(statement.Add(" AND "), cells, dialect);
+  }
   // Sorted by cell first, so that the engine compares the list's columns (text without regard
   // to case, which is slow on some engines) only between items of one cell, as the cells' own
   // statements did. Within a cell the order is the list's.

@@ -82,22 +82,24 @@ TYPED_TEST(SchemaVersions, MigrateTakesVersionOneToTheCurrentOneKeepingTheDataTh
 
   MigrationReport first = MigrateSchema(this->engine_.connection_string);
   EXPECT_EQ(first.from, 1);
-  EXPECT_EQ(first.to, 3);
+  EXPECT_EQ(first.to, 4);
   EXPECT_EQ(first.steps,
             (std::vector<std::string>{
                 "schema version 1 → 2: the database records its schema version in "
                 "TidewellSettings",
                 "schema version 2 → 3: added TidewellFeedTokens (each account's private feed "
-                "address)"}));
+                "address)",
+                "schema version 3 → 4: the items' index on their owner also holds their date "
+                "(Items_OwnerKey_DateStamp)"}));
   EXPECT_EQ(first.warning, "");
 
   MigrationReport second = MigrateSchema(this->engine_.connection_string);
-  EXPECT_EQ(second.from, 3);
+  EXPECT_EQ(second.from, 4);
   EXPECT_TRUE(second.steps.empty());
   EXPECT_EQ(second.warning, "");
 
   this->connection_.Open(this->engine_.connection_string);
-  EXPECT_EQ(this->RecordedVersion(), "3");
+  EXPECT_EQ(this->RecordedVersion(), "4");
   EXPECT_EQ(this->Count("SELECT COUNT(*) FROM TidewellSettings WHERE Name = 'SchemaVersion'"), 1);
   EXPECT_EQ(this->Count("SELECT COUNT(*) FROM Users"), 1);
   EXPECT_EQ(this->Count("SELECT COUNT(*) FROM Items"), 1);
@@ -111,11 +113,10 @@ TYPED_TEST(SchemaVersions, MigrateFromVersionTwoAddsTheFeedTokensTable) {
 
   MigrationReport report = MigrateSchema(this->engine_.connection_string);
   EXPECT_EQ(report.from, 2);
-  EXPECT_EQ(report.steps, std::vector<std::string>{"schema version 2 → 3: added "
-                                                   "TidewellFeedTokens (each account's private "
-                                                   "feed address)"});
+  EXPECT_EQ(report.steps.front(), "schema version 2 → 3: added TidewellFeedTokens (each "
+                                  "account's private feed address)");
   this->connection_.Open(this->engine_.connection_string);
-  EXPECT_EQ(this->RecordedVersion(), "3");
+  EXPECT_EQ(this->RecordedVersion(), "4");
   this->Run("INSERT INTO TidewellFeedTokens (OwnerKey, Token, CreatedAt, BodyChangedAt) "
             "VALUES ('k1', '0123456789abcdef0123456789abcdef', 1, 1)");
   EXPECT_EQ(this->Count("SELECT COUNT(*) FROM TidewellFeedTokens WHERE BodyHash = ''"), 1);
@@ -143,16 +144,18 @@ TYPED_TEST(SchemaVersions, MigrateTakesVersionZeroThroughEveryStep) {
 
   MigrationReport report = MigrateSchema(this->engine_.connection_string);
   EXPECT_EQ(report.from, 0);
-  ASSERT_EQ(report.steps.size(), 3u);
+  ASSERT_EQ(report.steps.size(), 4u);
   EXPECT_EQ(report.steps[0].rfind("schema version 0 → 1: added the site's own tables", 0), 0u)
       << report.steps[0];
   EXPECT_EQ(report.steps[1].rfind("schema version 1 → 2: ", 0), 0u) << report.steps[1];
   EXPECT_EQ(report.steps[2].rfind("schema version 2 → 3: ", 0), 0u) << report.steps[2];
+  EXPECT_EQ(report.steps[3].rfind("schema version 3 → 4: ", 0), 0u) << report.steps[3];
   this->connection_.Open(this->engine_.connection_string);
-  EXPECT_EQ(this->RecordedVersion(), "3");
-  // Everything version 1 has, the version row aside.
-  this->Run("DELETE FROM TidewellSettings WHERE Name = 'SchemaVersion'");
-  EXPECT_EQ(ReadSchemaVersion(this->connection_), 1);
+  EXPECT_EQ(this->RecordedVersion(), "4");
+  EXPECT_TRUE(this->connection_.TableExists("LoginFailures"));
+  EXPECT_TRUE(this->connection_.TableExists("TidewellFeedTokens"));
+  this->connection_.Close();
+  EXPECT_TRUE(MigrateSchema(this->engine_.connection_string).steps.empty());
 }
 
 // A step that fails (here the throttle's table, which a view of that name stands in the way
@@ -173,18 +176,18 @@ TYPED_TEST(SchemaVersions, AFailingStepRollsTheWholeMigrationBack) {
 }
 
 TYPED_TEST(SchemaVersions, MigrateRefusesADatabaseANewerTidewellUpgraded) {
-  this->Run("UPDATE TidewellSettings SET Value = '4' WHERE Name = 'SchemaVersion'");
+  this->Run("UPDATE TidewellSettings SET Value = '5' WHERE Name = 'SchemaVersion'");
   this->connection_.Close();
   try {
     MigrateSchema(this->engine_.connection_string);
-    ADD_FAILURE() << "a version 4 database was migrated";
+    ADD_FAILURE() << "a version 5 database was migrated";
   } catch (const SchemaError& error) {
     EXPECT_EQ(std::string(error.what()),
-              "The database was upgraded by a newer tidewell (version 4); this one knows up to "
-              "3: run the newer tidewell.");
+              "The database was upgraded by a newer tidewell (version 5); this one knows up to "
+              "4: run the newer tidewell.");
   }
   this->connection_.Open(this->engine_.connection_string);
-  EXPECT_EQ(this->RecordedVersion(), "4");
+  EXPECT_EQ(this->RecordedVersion(), "5");
 }
 
 // The rest of the migration still comes, so that the administrator can sign in and rename;
@@ -198,17 +201,17 @@ TYPED_TEST(SchemaVersions, MigrateNamesAccountsThatShareANameAndMakesNamesUnique
   this->connection_.Close();
 
   MigrationReport report = MigrateSchema(this->engine_.connection_string);
-  EXPECT_EQ(report.to, 3);
+  EXPECT_EQ(report.to, 4);
   EXPECT_NE(report.warning.find("more than one account is named \""), std::string::npos)
       << report.warning;
   EXPECT_EQ(SharedNamesWarning(this->engine_.connection_string), report.warning);
   this->connection_.Open(this->engine_.connection_string);
-  EXPECT_EQ(this->RecordedVersion(), "3");
+  EXPECT_EQ(this->RecordedVersion(), "4");
 
   this->Run("UPDATE Users SET Username = 'Bobby' WHERE OwnerKey = 'k2'");
   this->connection_.Close();
   MigrationReport again = MigrateSchema(this->engine_.connection_string);
-  EXPECT_EQ(again.steps, std::vector<std::string>{"schema version 3: made user names unique"});
+  EXPECT_EQ(again.steps, std::vector<std::string>{"schema version 4: made user names unique"});
   EXPECT_EQ(again.warning, "");
   EXPECT_EQ(SharedNamesWarning(this->engine_.connection_string), "");
   this->connection_.Open(this->engine_.connection_string);

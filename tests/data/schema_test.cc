@@ -78,7 +78,7 @@ TYPED_TEST(Schema, CreatesTheSitesOwnTablesWithTheAccountsLockRow) {
 
 TYPED_TEST(Schema, IndexesServeTheItemListsTheLoginAndTheThrottle) {
   EXPECT_EQ(this->IndexNames(),
-            (std::set<std::string>{"items_datestamp_ownerkey", "items_ownerkey",
+            (std::set<std::string>{"items_datestamp_ownerkey", "items_ownerkey_datestamp",
                                    "users_username_unique", "users_groupid",
                                    "loginfailures_subject", "loginfailures_failedat"}));
 }

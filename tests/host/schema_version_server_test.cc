@@ -77,7 +77,7 @@ TYPED_TEST_SUITE(SchemaVersionServer, testing::Engines, testing::EngineNames);
 TYPED_TEST(SchemaVersionServer, ServeRefusesAnOlderDatabaseAndNamesTheMigration) {
   this->MakeVersionOneSite();
   const std::string log = this->ServeExpectingRefusal();
-  EXPECT_NE(log.find("tidewell serve: the database has schema version 1, this tidewell needs 3: "
+  EXPECT_NE(log.find("tidewell serve: the database has schema version 1, this tidewell needs 4: "
                      "run `tidewell migrate --config " +
                      this->config_ + "`\n"),
             std::string::npos)
@@ -86,15 +86,15 @@ TYPED_TEST(SchemaVersionServer, ServeRefusesAnOlderDatabaseAndNamesTheMigration)
 }
 
 TYPED_TEST(SchemaVersionServer, ServeAndRenderRefuseADatabaseANewerTidewellUpgraded) {
-  this->Run("UPDATE TidewellSettings SET Value = '4' WHERE Name = 'SchemaVersion'");
+  this->Run("UPDATE TidewellSettings SET Value = '5' WHERE Name = 'SchemaVersion'");
   const std::string log = this->ServeExpectingRefusal();
-  EXPECT_NE(log.find("tidewell serve: the database was upgraded by a newer tidewell (version 4); "
-                     "this one knows up to 3: run the newer tidewell\n"),
+  EXPECT_NE(log.find("tidewell serve: the database was upgraded by a newer tidewell (version 5); "
+                     "this one knows up to 4: run the newer tidewell\n"),
             std::string::npos)
       << log;
   CommandRun render = RunTidewell("render --config " + this->config_);
   EXPECT_EQ(render.status, 1);
-  EXPECT_NE(render.output.find("upgraded by a newer tidewell (version 4)"), std::string::npos)
+  EXPECT_NE(render.output.find("upgraded by a newer tidewell (version 5)"), std::string::npos)
       << render.output;
 }
 
@@ -106,11 +106,13 @@ TYPED_TEST(SchemaVersionServer, MigrateOnceThenTheSiteIsServedWithItsAccountsAnd
             "tidewell migrate: schema version 1 → 2: the database records its schema version in "
             "TidewellSettings\n"
             "tidewell migrate: schema version 2 → 3: added TidewellFeedTokens (each account's "
-            "private feed address)\n");
+            "private feed address)\n"
+            "tidewell migrate: schema version 3 → 4: the items' index on their owner also holds "
+            "their date (Items_OwnerKey_DateStamp)\n");
   CommandRun again = RunTidewell("migrate --config " + this->config_);
   EXPECT_EQ(again.status, 0) << again.output;
   EXPECT_EQ(again.output,
-            "tidewell migrate: the database is at schema version 3 already; nothing to do\n");
+            "tidewell migrate: the database is at schema version 4 already; nothing to do\n");
 
   auto server = this->Serve();
   const int port = server->WaitForPort();

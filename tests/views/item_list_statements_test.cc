@@ -89,16 +89,28 @@ TEST(TimeTableStatement, ReadsEveryItemOfTheHourWithItsOwner) {
       "GroupID = 7 ORDER BY TimeText DESC, ItemID");
 }
 
+const std::string kViewColumns =
+    "SELECT ItemID, Heading, TimeStamp, TimeText, Urgent, Initials, Complete, DateStamp FROM "
+    "Items INNER JOIN Users ON Items.OwnerKey = Users.OwnerKey WHERE ";
+
+TEST(ViewListStatement, ReadsEveryDayOfARangeOfWholeDaysAsTheRange) {
+  const std::vector<ListCell> days = {{DateSerial(2026, 11, 4), std::nullopt},
+                                      {DateSerial(2026, 11, 3), std::nullopt},
+                                      {DateSerial(2026, 11, 5), std::nullopt}};
+  EXPECT_EQ(Text(ViewListStatement(days, kOwn, kDefaultDaySort, ASPDataServer::Access)),
+            kViewColumns +
+                "DateStamp >= #11/3/2026# AND DateStamp <= #11/5/2026# AND Items.OwnerKey = 'k1' "
+                "ORDER BY DateStamp, TimeStamp, Initials, Urgent, Heading ASC, ItemID");
+}
+
 TEST(ViewListStatement, JoinsTheCellsConditionsAndSortsAsTheirLists) {
   const std::vector<ListCell> days = {{DateSerial(2026, 11, 3), std::nullopt},
-                                      {DateSerial(2026, 11, 4), std::nullopt}};
-  const std::string columns =
-      "SELECT ItemID, Heading, TimeStamp, TimeText, Urgent, Initials, Complete, DateStamp FROM "
-      "Items INNER JOIN Users ON Items.OwnerKey = Users.OwnerKey WHERE ";
+                                      {DateSerial(2026, 11, 5), std::nullopt}};
+  const std::string& columns = kViewColumns;
   EXPECT_EQ(Text(ViewListStatement(days, kOwn, kDefaultDaySort, ASPDataServer::Access)),
             columns +
-                "DateStamp >= #11/3/2026# AND DateStamp <= #11/4/2026# AND ((DateStamp = "
-                "#11/3/2026#) OR (DateStamp = #11/4/2026#)) AND Items.OwnerKey = 'k1' ORDER BY "
+                "DateStamp >= #11/3/2026# AND DateStamp <= #11/5/2026# AND ((DateStamp = "
+                "#11/3/2026#) OR (DateStamp = #11/5/2026#)) AND Items.OwnerKey = 'k1' ORDER BY "
                 "DateStamp, TimeStamp, Initials, Urgent, Heading ASC, ItemID");
   const std::vector<ListCell> hours = {{DateSerial(2026, 11, 3), 22},
                                        {DateSerial(2026, 11, 3), 23},
