@@ -15,6 +15,7 @@
 #include "data/dialect_translation.h"
 #include "data/iso_dates.h"
 #include "data/postgres_statement.h"
+#include "data/rows_per_key.h"
 
 namespace tidewell::ado {
 namespace {
@@ -157,21 +158,10 @@ class PostgresSession : public Session {
   explicit PostgresSession(PGconn* conn) : conn_(conn) {}
   ~PostgresSession() override { PQfinish(conn_); }
 
-  // Statements that differ only in their values (a day of a month view, a user) share one
-  // statement the engine parsed and planned once for this session: the values are taken out
-  // of the text (ShapePostgresStatement) and sent as parameters.
-  Rows Run(std::string_view statement) override {
-    PostgresStatement shaped = ShapePostgresStatement(TranslateSqlServerForPostgres(statement));
-    if (!shaped.preparable) return Execute(shaped.shape, {});
-    std::vector<std::optional<std::string>> values;
-    std::vector<Oid> types;
-    values.reserve(shaped.parameters.size());
-    types.reserve(shaped.parameters.size());
-    for (PostgresParameter& parameter : shaped.parameters) {
-      values.emplace_back(std::move(parameter.value));
-      types.push_back(OidOf(parameter.type));
-    }
-    return ExecutePrepared(shaped.shape, values, types);
+  Rows Run(std::string_view statement) override { return RunShaped(statement, nullptr); }
+
+  Rows Run(std::string_view statement, const RowsPerKey& per_key) override {
+    return RunShaped(statement, &per_key);
   }
 
   Rows RunBound(std::string_view native_text, const std::vector<Variant>& values) override {
@@ -216,19 +206,37 @@ class PostgresSession : public Session {
 
  private:
   // A statement sent with its text, parsed and planned for this one run.
-  Rows Execute(const std::string& text, const std::vector<std::optional<std::string>>& values) {
+  // Statements that differ only in their values (a day of a month view, a user) share one
+  // statement the engine parsed and planned once for this session: the values are taken out
+  // of the text (ShapePostgresStatement) and sent as parameters.
+  Rows RunShaped(std::string_view statement, const RowsPerKey* per_key) {
+    PostgresStatement shaped = ShapePostgresStatement(TranslateSqlServerForPostgres(statement));
+    if (!shaped.preparable) return Execute(shaped.shape, {}, per_key);
+    std::vector<std::optional<std::string>> values;
+    std::vector<Oid> types;
+    values.reserve(shaped.parameters.size());
+    types.reserve(shaped.parameters.size());
+    for (PostgresParameter& parameter : shaped.parameters) {
+      values.emplace_back(std::move(parameter.value));
+      types.push_back(OidOf(parameter.type));
+    }
+    return ExecutePrepared(shaped.shape, values, types, per_key);
+  }
+
+  Rows Execute(const std::string& text, const std::vector<std::optional<std::string>>& values,
+               const RowsPerKey* per_key = nullptr) {
     std::vector<const char*> pointers = PointersTo(values);
     ++counts_.run;
     Result result(PQexecParams(conn_, text.c_str(), static_cast<int>(pointers.size()), nullptr,
                                pointers.data(), nullptr, nullptr, 0));
     if (!Succeeded(result.get())) RaiseError(result.get());
-    return ReadRows(result.get());
+    return ReadRows(result.get(), per_key);
   }
 
   // A statement run as the session's prepared statement for its text and parameter types,
   // prepared first when the session has none.
   Rows ExecutePrepared(const std::string& shape, const std::vector<std::optional<std::string>>& values,
-                       const std::vector<Oid>& types) {
+                       const std::vector<Oid>& types, const RowsPerKey* per_key = nullptr) {
     std::string key = shape;
     key += '\0';
     for (Oid type : types) key += std::to_string(type) + ",";
@@ -237,7 +245,7 @@ class PostgresSession : public Session {
     ++counts_.run;
     Result result(PQexecPrepared(conn_, name.c_str(), static_cast<int>(pointers.size()),
                                  pointers.data(), nullptr, nullptr, 0));
-    if (Succeeded(result.get())) return ReadRows(result.get());
+    if (Succeeded(result.get())) return ReadRows(result.get(), per_key);
     // The engine may have let the statement go (DISCARD ALL), or a table it reads changed its
     // columns. Outside a transaction the statement is prepared anew and run once more; inside
     // one the transaction is already failed, so the error stands.
@@ -254,7 +262,7 @@ class PostgresSession : public Session {
         ++counts_.run;
         result.reset(PQexecPrepared(conn_, again.c_str(), static_cast<int>(pointers.size()),
                                     pointers.data(), nullptr, nullptr, 0));
-        if (Succeeded(result.get())) return ReadRows(result.get());
+        if (Succeeded(result.get())) return ReadRows(result.get(), per_key);
       }
     }
     RaiseError(result.get());
@@ -315,14 +323,26 @@ class PostgresSession : public Session {
     throw DatabaseError(ErrorNumberOf(sqlstate ? sqlstate : ""), message);
   }
 
-  static Rows ReadRows(const PGresult* result) {
+  // The rows of the result, only those `per_key` keeps when it is given.
+  static Rows ReadRows(const PGresult* result, const RowsPerKey* per_key) {
     Rows rows;
     int columns = PQnfields(result);
     for (int c = 0; c < columns; ++c) {
       rows.names.emplace_back(PQfname(result, c));
       rows.kinds.push_back(KindOfType(PQftype(result, c)));
     }
+    std::optional<KeyRuns> runs;
+    if (per_key) runs.emplace(*per_key, rows.names);
+    std::string key;
     for (int r = 0; r < PQntuples(result); ++r) {
+      if (runs) {
+        key.clear();
+        for (int c : runs->key_columns()) {
+          KeyRuns::NextKeyPart(key, PQgetisnull(result, r, c) ? nullptr : PQgetvalue(result, r, c),
+                               static_cast<size_t>(PQgetlength(result, r, c)));
+        }
+        if (!runs->Keep(key)) continue;
+      }
       std::vector<Variant>& row = rows.values.emplace_back();
       for (int c = 0; c < columns; ++c) {
         row.push_back(PQgetisnull(result, r, c)

@@ -116,7 +116,7 @@ void Recordset::Open(const Statement& source, Connection& connection, CursorType
     answer = session.RunBound("SELECT * FROM " + table_ + " LIMIT 0", {});
     rows_deferred_ = true;
   } else {
-    answer = session.Run(text);
+    answer = source.rows_per_key() ? session.Run(text, *source.rows_per_key()) : session.Run(text);
     // Only a recordset that writes back needs the table it read; the item lists open some
     // forty read-only ones a page and are spared reading their statements once more.
     table_ = lock == adLockReadOnly ? "" : SingleTableOf(text);

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "data/connection_string.h"
+#include "data/rows_per_key.h"
 #include "runtime/variant.h"
 
 namespace tidewell::ado {
@@ -42,6 +43,9 @@ class Session {
   // Runs one statement written in the provider's dialect: the provider rewrites what its
   // engine spells differently (TOP, date literals) and reads every row.
   virtual Rows Run(std::string_view statement) = 0;
+  // The same, keeping only the rows `per_key` keeps; the providers pass over the others
+  // unread.
+  virtual Rows Run(std::string_view statement, const RowsPerKey& per_key);
 
   // Runs text in the engine's own language with bound values; value n (from 1) stands where
   // Parameter(n) is written. The Recordset writes rows back with it.
@@ -57,6 +61,9 @@ class Session {
 
   virtual StatementCounts Counts() const { return {}; }
 };
+
+// The rows of `rows` that `per_key` keeps, for a provider that read them all.
+Rows KeepPerKey(Rows rows, const RowsPerKey& per_key);
 
 // Opens a new session for the settings; throws DatabaseError when the engine refuses.
 using SessionFactory = std::function<std::unique_ptr<Session>(const ConnectionSettings&)>;

@@ -18,6 +18,7 @@
 #include "data/database_error.h"
 #include "data/dialect_translation.h"
 #include "data/iso_dates.h"
+#include "data/rows_per_key.h"
 
 namespace tidewell::ado {
 namespace {
@@ -95,6 +96,27 @@ Variant ReadColumn(sqlite3_stmt* stmt, int column, ColumnKind kind) {
   return Variant(std::move(text));
 }
 
+// Adds the column's value to a KeyRuns key, read as its own type so that the value is left
+// as it is for ReadColumn.
+void AppendKeyPart(std::string& key, sqlite3_stmt* stmt, int column) {
+  switch (sqlite3_column_type(stmt, column)) {
+    case SQLITE_NULL:
+      return KeyRuns::NextKeyPart(key, nullptr, 0);
+    case SQLITE_INTEGER: {
+      const std::string number = std::to_string(sqlite3_column_int64(stmt, column));
+      return KeyRuns::NextKeyPart(key, number.data(), number.size());
+    }
+    case SQLITE_FLOAT: {
+      const std::string number = std::to_string(sqlite3_column_double(stmt, column));
+      return KeyRuns::NextKeyPart(key, number.data(), number.size());
+    }
+    default:
+      return KeyRuns::NextKeyPart(key,
+                                  reinterpret_cast<const char*>(sqlite3_column_text(stmt, column)),
+                                  static_cast<size_t>(sqlite3_column_bytes(stmt, column)));
+  }
+}
+
 // The file a session has open, to notice when the path names another file (or none) by the
 // time the session would go back to the pool.
 struct FileIdentity {
@@ -124,18 +146,10 @@ class SqliteSession : public Session {
   // page runs the same statements again and again (a month view some forty day lists, each
   // one again on the next visit), and reading each word by word every time cost more than
   // running it: the translation of a text that prepared well is kept and used again.
-  Rows Run(std::string_view statement) override {
-    if (auto found = translations_.find(statement); found != translations_.end()) {
-      const SqliteStatement& known = found->second;
-      return Step(Prepared(known.text), known.values, known.row_limit);
-    }
-    SqliteStatement translated = ParameterizedAccessForSqlite(
-        statement, [this](std::string_view column) { return IsDateColumn(column); });
-    sqlite3_stmt* stmt = Prepared(translated.text);
-    if (translations_.size() >= kTranslationCacheSize) translations_.clear();
-    const SqliteStatement& kept =
-        translations_.emplace(std::string(statement), std::move(translated)).first->second;
-    return Step(stmt, kept.values, kept.row_limit);
+  Rows Run(std::string_view statement) override { return RunTranslated(statement, nullptr); }
+
+  Rows Run(std::string_view statement, const RowsPerKey& per_key) override {
+    return RunTranslated(statement, &per_key);
   }
 
   Rows RunBound(std::string_view native_text, const std::vector<Variant>& values) override {
@@ -262,10 +276,24 @@ class SqliteSession : public Session {
     return columns_[stmt] = std::move(described);
   }
 
+  Rows RunTranslated(std::string_view statement, const RowsPerKey* per_key) {
+    if (auto found = translations_.find(statement); found != translations_.end()) {
+      const SqliteStatement& known = found->second;
+      return Step(Prepared(known.text), known.values, known.row_limit, per_key);
+    }
+    SqliteStatement translated = ParameterizedAccessForSqlite(
+        statement, [this](std::string_view column) { return IsDateColumn(column); });
+    sqlite3_stmt* stmt = Prepared(translated.text);
+    if (translations_.size() >= kTranslationCacheSize) translations_.clear();
+    const SqliteStatement& kept =
+        translations_.emplace(std::string(statement), std::move(translated)).first->second;
+    return Step(stmt, kept.values, kept.row_limit, per_key);
+  }
+
   // Runs the statement and reads its rows, at most `row_limit` of them (the "TOP n" of the
-  // statement's text).
+  // statement's text) and of those only the ones `per_key` keeps.
   Rows Step(sqlite3_stmt* stmt, const std::vector<Variant>& values,
-            std::optional<long> row_limit = std::nullopt) {
+            std::optional<long> row_limit = std::nullopt, const RowsPerKey* per_key = nullptr) {
     struct ResetOnExit {
       sqlite3_stmt* stmt;
       ~ResetOnExit() {
@@ -281,9 +309,17 @@ class SqliteSession : public Session {
     rows.kinds = described.kinds;
     const int columns = static_cast<int>(rows.names.size());
     if (row_limit) rows.values.reserve(static_cast<size_t>(std::clamp(*row_limit, 0L, 64L)));
+    std::optional<KeyRuns> runs;
+    if (per_key) runs.emplace(*per_key, rows.names);
+    std::string key;
     int code = SQLITE_DONE;
     while ((!row_limit || static_cast<long>(rows.values.size()) < *row_limit) &&
            (code = sqlite3_step(stmt)) == SQLITE_ROW) {
+      if (runs) {
+        key.clear();
+        for (int c : runs->key_columns()) AppendKeyPart(key, stmt, c);
+        if (!runs->Keep(key)) continue;
+      }
       std::vector<Variant>& row = rows.values.emplace_back();
       row.reserve(static_cast<size_t>(columns));
       for (int c = 0; c < columns; ++c) row.push_back(ReadColumn(stmt, c, rows.kinds[c]));

@@ -2,6 +2,7 @@
 
 #include <cctype>
 #include <cstring>
+#include <utility>
 
 #include "data/database_error.h"
 #include "runtime/dates.h"
@@ -25,6 +26,11 @@ Statement::Statement(const char* fixed_text) {
   const size_t length = std::strlen(fixed_text);
   text_.reserve(length + 128);
   text_.append(fixed_text, length);
+}
+
+Statement& Statement::KeepPerKey(RowsPerKey per_key) {
+  rows_per_key_ = std::move(per_key);
+  return *this;
 }
 
 Statement& Statement::Add(const char* fixed_text) {

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
 #include "component/properties.h"
+#include "data/rows_per_key.h"
 #include "runtime/variant.h"
 
 namespace tidewell::ado {
@@ -46,6 +48,11 @@ class Statement {
   // True as the dialect compares it: -1 for Access, 1 for SQL Server.
   Statement& TrueValue(ASPDataServer dialect);
 
+  // Reads only the first rows of each group the statement sorts by first (a TOP n per
+  // group), which Recordset::Open asks the provider for.
+  Statement& KeepPerKey(RowsPerKey per_key);
+  const std::optional<RowsPerKey>& rows_per_key() const { return rows_per_key_; }
+
   // The statement as built (with refused values left out).
   const std::string& text() const { return text_; }
   bool refused() const { return !refusal_.empty(); }
@@ -57,6 +64,7 @@ class Statement {
 
   std::string text_;
   std::string refusal_;
+  std::optional<RowsPerKey> rows_per_key_;
 };
 
 // m/d/yyyy, as the statements splice dates whatever the regional settings.

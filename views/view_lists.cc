@@ -1,10 +1,13 @@
 #include "views/view_lists.h"
 
 #include <map>
+#include <string>
 #include <utility>
+#include <vector>
 
 #include "component/page.h"
 #include "data/recordset.h"
+#include "data/statement.h"
 #include "runtime/conversions.h"
 #include "runtime/date_text.h"
 #include "runtime/dates.h"
@@ -44,14 +47,19 @@ ViewLists::ViewLists(Page& page, long mode, std::vector<ListCell> cells, ListRea
 void ViewLists::ReadAll() {
   const ListOwner owner{page_.UserKey, ListGroupScope(page_)};
   const std::string sort = ExpandSortCode(page_.SortOrder, mode_);
+  const ListLimit limit = LimitOf(mode_);
+  const bool by_hour = CellsAreHours(cells_);
+  ado::Statement statement = ViewListStatement(cells_, owner, sort, page_.props.DataServer);
+  // A cell's own statement stopped at `fetched` rows: the rest of a crowded cell is not read.
+  statement.KeepPerKey({by_hour ? std::vector<std::string>{"DateStamp", "TimeStamp"}
+                                : std::vector<std::string>{"DateStamp"},
+                        limit.fetched});
   ado::Recordset rs;
-  rs.Open(ViewListStatement(cells_, owner, sort, page_.props.DataServer), ListConnection(page_));
+  rs.Open(statement, ListConnection(page_));
 
   std::map<CellKey, size_t> cell_of;
   for (size_t i = 0; i < cells_.size(); ++i) cell_of.emplace(KeyOf(cells_[i]), i);
   std::vector<long> fetched(cells_.size(), 0);
-  const ListLimit limit = LimitOf(mode_);
-  const bool by_hour = CellsAreHours(cells_);
   const ItemReader reader(rs, /*time_table=*/false);
   ado::Field date_stamp = rs.Fields("DateStamp");
   ado::Field time_stamp = rs.Fields("TimeStamp");

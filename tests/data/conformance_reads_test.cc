@@ -226,5 +226,25 @@ TYPED_TEST(Reads, ClosedConnectionGoesBackToThePool) {
   EXPECT_NO_THROW(this->Column(Statement("SELECT Mark FROM PoolMarker"), "Mark"));
 }
 
+// A statement that keeps the first rows of each group gets exactly those, in order, on both
+// engines, and an unknown key column fails the statement.
+TYPED_TEST(Reads, KeepPerKeyKeepsTheFirstRowsOfEachGroup) {
+  const Date nov4 = DateSerial(2026, 11, 4);
+  for (const char* heading : {"a", "b", "c", "d"}) this->AddItem("k1", kNov3, 9, heading);
+  for (const char* heading : {"e", "f"}) this->AddItem("k1", kNov3, 10, heading);
+  this->AddItem("k1", nov4, 9, "g");
+  const auto by = [](std::vector<std::string> columns, long rows) {
+    return Statement("SELECT Heading, DateStamp, TimeStamp FROM Items ORDER BY DateStamp, "
+                     "TimeStamp, Heading")
+        .KeepPerKey({std::move(columns), rows});
+  };
+  EXPECT_EQ(this->Column(by({"DateStamp"}, 3), "Heading"),
+            (std::vector<std::string>{"a", "b", "c", "g"}));
+  EXPECT_EQ(this->Column(by({"datestamp", "TIMESTAMP"}, 2), "Heading"),
+            (std::vector<std::string>{"a", "b", "e", "f", "g"}));
+  EXPECT_EQ(this->Column(by({"DateStamp"}, 0), "Heading"), std::vector<std::string>{});
+  EXPECT_THROW(this->Column(by({"Initials"}, 2), "Heading"), DatabaseError);
+}
+
 }  // namespace
 }  // namespace tidewell::testing
