@@ -1,5 +1,6 @@
 #include "views/view_lists.h"
 
+#include <cmath>
 #include <map>
 #include <string>
 #include <utility>
@@ -17,12 +18,17 @@
 namespace tidewell {
 namespace {
 
-// A cell as the statement tells it apart: the day as spliced, and the hour when the cell is
-// one. A row belongs to the cell whose condition it met.
-using CellKey = std::pair<std::string, long>;
+// A cell as the statement tells it apart: the day (the whole days of its date serial, as the
+// statement splices only the date), and the hour when the cell is one. A row belongs to the
+// cell whose condition it met.
+using CellKey = std::pair<long, long>;
+
+long DayOf(Date date) {
+  return static_cast<long>(std::floor(date.serial));
+}
 
 CellKey KeyOf(const ListCell& cell) {
-  return {ado::StatementDateText(cell.day), cell.hour.value_or(-1)};
+  return {DayOf(cell.day), cell.hour.value_or(-1)};
 }
 
 }  // namespace
@@ -65,8 +71,7 @@ void ViewLists::ReadAll() {
   ado::Field time_stamp = rs.Fields("TimeStamp");
   // The rows come in the lists' order, so each cell's rows come in its own list's order.
   for (; !rs.Eof(); rs.MoveNext()) {
-    const CellKey key{ado::StatementDateText(CDate(date_stamp.Value())),
-                      by_hour ? CLng(time_stamp.Value()) : -1};
+    const CellKey key{DayOf(CDate(date_stamp.Value())), by_hour ? CLng(time_stamp.Value()) : -1};
     const auto cell = cell_of.find(key);
     if (cell == cell_of.end()) continue;  // cannot happen: every row met one cell's condition
     DayList& list = lists_[cell->second];
