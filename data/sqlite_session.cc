@@ -11,7 +11,10 @@
 #include <cstring>
 #include <limits>
 #include <list>
+#include <chrono>
 #include <map>
+#include <memory>
+#include <mutex>
 #include <optional>
 #include <unordered_map>
 
@@ -131,10 +134,29 @@ std::optional<FileIdentity> IdentityOf(const std::string& path) {
   return FileIdentity{info.st_dev, info.st_ino};
 }
 
+// SQLite lets one connection write a file at a time; the others poll for the lock with
+// growing sleeps, so that under a burst of item posts some writers waited most of a second
+// while others wrote many times. Writers of one file in this process take turns here
+// instead, in the order they came. A turn runs from a session's first write to the end of its
+// transaction (a write outside a transaction is one of its own). Other processes on the file
+// still meet SQLite's own lock and busy wait. A turn not had within the busy timeout is gone
+// without, and SQLite decides as before.
+std::timed_mutex& WriterTurnOf(const std::string& path) {
+  static std::mutex guard;
+  static std::map<std::string, std::unique_ptr<std::timed_mutex>> turns;
+  std::lock_guard lock(guard);
+  std::unique_ptr<std::timed_mutex>& turn = turns[path];
+  if (!turn) turn = std::make_unique<std::timed_mutex>();
+  return *turn;
+}
+
 class SqliteSession : public Session {
  public:
   SqliteSession(sqlite3* db, std::string path) : db_(db), path_(std::move(path)) {
-    if (path_ != ":memory:") file_ = IdentityOf(path_);
+    if (path_ != ":memory:") {
+      file_ = IdentityOf(path_);
+      writer_turn_ = std::unique_lock(WriterTurnOf(path_), std::defer_lock);
+    }
   }
   ~SqliteSession() override {
     for (auto& [text, cached] : statements_) sqlite3_finalize(cached.stmt);
@@ -294,13 +316,16 @@ class SqliteSession : public Session {
   // statement's text) and of those only the ones `per_key` keeps.
   Rows Step(sqlite3_stmt* stmt, const std::vector<Variant>& values,
             std::optional<long> row_limit = std::nullopt, const RowsPerKey* per_key = nullptr) {
+    if (!sqlite3_stmt_readonly(stmt)) TakeWriterTurn();
     struct ResetOnExit {
+      SqliteSession* session;
       sqlite3_stmt* stmt;
       ~ResetOnExit() {
         sqlite3_reset(stmt);
         sqlite3_clear_bindings(stmt);
+        session->EndWriterTurnOutsideTransactions();
       }
-    } reset{stmt};
+    } reset{this, stmt};
     ++counts_.run;
     for (size_t i = 0; i < values.size(); ++i) Bind(stmt, static_cast<int>(i + 1), values[i]);
     Rows rows;
@@ -327,6 +352,16 @@ class SqliteSession : public Session {
     if (code != SQLITE_DONE && code != SQLITE_ROW) RaiseEngineError(sqlite3_extended_errcode(db_));
     if (!sqlite3_stmt_readonly(stmt)) rows.affected = static_cast<long>(sqlite3_changes(db_));
     return rows;
+  }
+
+  void TakeWriterTurn() {
+    if (writer_turn_.mutex() && !writer_turn_.owns_lock()) {
+      (void)writer_turn_.try_lock_for(std::chrono::milliseconds(kBusyTimeoutMs));
+    }
+  }
+
+  void EndWriterTurnOutsideTransactions() {
+    if (writer_turn_.owns_lock() && sqlite3_get_autocommit(db_) != 0) writer_turn_.unlock();
   }
 
   // Whether a column of that name is declared as a date in any table. The answer comes from
@@ -361,6 +396,7 @@ class SqliteSession : public Session {
   sqlite3* db_;
   std::string path_;
   std::optional<FileIdentity> file_;
+  std::unique_lock<std::timed_mutex> writer_turn_;  // of the file, held while this session writes
   struct CachedStatement {
     sqlite3_stmt* stmt;
     std::list<std::string>::iterator position;  // in recent_
