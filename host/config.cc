@@ -1,10 +1,13 @@
 #include "host/config.h"
 
+#include <sched.h>
 
+#include <algorithm>
 #include <fstream>
 #include <optional>
 #include <sstream>
 #include <string_view>
+#include <thread>
 
 #include "component/properties.h"
 #include "component/property_table.h"
@@ -276,8 +279,18 @@ const PageConfig* SiteConfig::FindPage(std::string_view path) const {
   return nullptr;
 }
 
+long DefaultWorkers() {
+  // The processors this process may run on (fewer than the machine's in a pinned container).
+  cpu_set_t allowed;
+  long processors = sched_getaffinity(0, sizeof allowed, &allowed) == 0
+                        ? CPU_COUNT(&allowed)
+                        : static_cast<long>(std::thread::hardware_concurrency());
+  return std::clamp(2 * processors, 2L, 64L);
+}
+
 SiteConfig DefaultConfig() {
   SiteConfig config;
+  config.workers = DefaultWorkers();
   config.pages.emplace_back();
   config.pages.front().page_template = DefaultPageTemplate();
   config.time_zone = SystemTimeZoneName();

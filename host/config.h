@@ -59,7 +59,7 @@ struct SiteConfig {
   // receive an answer).
   long idle_timeout_seconds = 30;
   long max_connections = 10000;
-  long workers = 8;  // threads that run the component
+  long workers = 0;  // threads that run the component; DefaultConfig sets DefaultWorkers()
   // Origins allowed to show the pages in a frame ("https://intranet.example"); none by default.
   std::vector<std::string> frame_ancestors;
   // Replaces the built-in Content-Security-Policy (host/security_headers.h) when set.
@@ -93,6 +93,12 @@ class ConfigError : public std::runtime_error {
 // are read, unknown names and bad values throw ConfigError.
 SiteConfig LoadConfig(const std::string& path);
 SiteConfig ParseConfig(const std::string& text, const std::string& file_name);
+
+// Threads that run the component unless Workers says otherwise: two for each processor. A
+// request on SQLite keeps its processor busy, so more threads than that only take turns on
+// the processors and stretch every request's time; a request on PostgreSQL also waits for the
+// engine, which the second thread covers.
+long DefaultWorkers();
 
 // The configuration without a file: one page at "/" with the defaults.
 SiteConfig DefaultConfig();

@@ -1,9 +1,12 @@
 #include "host/config.h"
 
 #include <gtest/gtest.h>
+#include <sched.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <fstream>
+#include <thread>
 
 #include "feeds/site_time_zone.h"
 
@@ -125,12 +128,28 @@ TEST(Config, BadFeedValuesStopWithTheirLine) {
             "site.conf:2: TimeZone applies to the whole server; set it before any [page] section");
 }
 
+// Two threads for each processor the server may run on: a process pinned to one gets two.
+TEST(Config, DefaultWorkersAreTwoForEachProcessorAllowed) {
+  long pinned = 0;
+  std::thread([&] {
+    cpu_set_t one;
+    CPU_ZERO(&one);
+    CPU_SET(sched_getcpu(), &one);
+    ASSERT_EQ(sched_setaffinity(0, sizeof one, &one), 0);
+    pinned = DefaultWorkers();
+  }).join();
+  EXPECT_EQ(pinned, 2);
+  cpu_set_t allowed;
+  ASSERT_EQ(sched_getaffinity(0, sizeof allowed, &allowed), 0);
+  EXPECT_EQ(DefaultWorkers(), std::clamp(2L * CPU_COUNT(&allowed), 2L, 64L));
+}
+
 TEST(Config, ServerLimitsHaveDefaultsAndTakeWholeNumbers) {
   SiteConfig defaults = ParseConfig("", "site.conf");
   EXPECT_EQ(defaults.request_timeout_seconds, 10);
   EXPECT_EQ(defaults.idle_timeout_seconds, 30);
   EXPECT_EQ(defaults.max_connections, 10000);
-  EXPECT_EQ(defaults.workers, 8);
+  EXPECT_EQ(defaults.workers, DefaultWorkers());
   SiteConfig config = ParseConfig(
       "RequestTimeout = 5\nIdleTimeout = 60\nMaxConnections = 2000\nWorkers = 4\n", "site.conf");
   EXPECT_EQ(config.request_timeout_seconds, 5);
