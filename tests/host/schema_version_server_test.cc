@@ -106,7 +106,8 @@ TYPED_TEST(SchemaVersionServer, MigrateOnceThenTheSiteIsServedWithItsAccountsAnd
             "tidewell migrate: schema version 1 → 2: the database records its schema version in "
             "TidewellSettings\n"
             "tidewell migrate: schema version 2 → 3: added TidewellFeedTokens (each account's "
-            "private feed address)\n");
+            "private feed address) and TidewellImportedEvents (the events `tidewell import` "
+            "made items of)\n");
   CommandRun again = RunTidewell("migrate --config " + this->config_);
   EXPECT_EQ(again.status, 0) << again.output;
   EXPECT_EQ(again.output,
