@@ -102,7 +102,7 @@ bool FileExists(const std::string& path) {
 
 void RefuseWhenTablesExist(ado::Connection& connection) {
   for (const char* table : {"Groups", "Users", "Items", "TidewellSettings", "LoginFailures",
-                            "TidewellFeedTokens"}) {
+                            "TidewellFeedTokens", "TidewellImportedEvents"}) {
     if (connection.TableExists(table)) {
       throw SchemaError(std::string("The database already has a table named ") + table +
                         ": the tables are created only in an empty database. Nothing was changed.");

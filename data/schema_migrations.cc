@@ -151,8 +151,9 @@ void RecordTheVersionFromNowOn(ado::Connection&, std::string&) {}
 
 // Version 3: the tables of the calendar's exchange with other calendar programs.
 void AddFeedTables(ado::Connection& connection, std::string&) {
-  connection.Execute(FeedTokensTable(IsSqlite(connection) ? SqlEngine::kSqlite
-                                                          : SqlEngine::kPostgres));
+  const SqlEngine engine = IsSqlite(connection) ? SqlEngine::kSqlite : SqlEngine::kPostgres;
+  connection.Execute(FeedTokensTable(engine));
+  connection.Execute(ImportedEventsTable(engine));
 }
 
 // Version 4: the views read a range of days of each owner, and the index on the owner alone
@@ -172,7 +173,10 @@ const std::vector<MigrationStep>& Steps() {
        AddSiteTablesThrottleAndUniqueNames},
       {2, "the database records its schema version in TidewellSettings",
        RecordTheVersionFromNowOn},
-      {3, "added TidewellFeedTokens (each account's private feed address)", AddFeedTables},
+      {3,
+       "added TidewellFeedTokens (each account's private feed address) and "
+       "TidewellImportedEvents (the events `tidewell import` made items of)",
+       AddFeedTables},
       {4, "the items' index on their owner also holds their date (Items_OwnerKey_DateStamp)",
        IndexItemsByOwnerAndDate},
   };
@@ -244,6 +248,27 @@ ado::Statement FeedTokensTable(SqlEngine engine) {
       "CreatedAt bigint NOT NULL, "
       "BodyHash text NOT NULL DEFAULT '', "
       "BodyChangedAt bigint NOT NULL)");
+}
+
+ado::Statement ImportedEventsTable(SqlEngine engine) {
+  // The key is what makes a second import of the same file add nothing: an account gets at
+  // most one item of each instance of each event.
+  if (engine == SqlEngine::kSqlite) {
+    return ado::Statement(
+        "CREATE TABLE TidewellImportedEvents ("
+        "OwnerKey TEXT NOT NULL, "
+        "Uid TEXT NOT NULL, "
+        "InstanceStart TEXT NOT NULL, "
+        "ItemID INTEGER NOT NULL, "
+        "PRIMARY KEY (OwnerKey, Uid, InstanceStart))");
+  }
+  return ado::Statement(
+      "CREATE TABLE TidewellImportedEvents ("
+      "OwnerKey text NOT NULL, "
+      "Uid text NOT NULL, "
+      "InstanceStart text NOT NULL, "
+      "ItemID integer NOT NULL, "
+      "PRIMARY KEY (OwnerKey, Uid, InstanceStart))");
 }
 
 std::optional<int> ReadSchemaVersion(ado::Connection& connection) {

@@ -21,7 +21,8 @@ class Connection;
 //   1  the tables, indexes and accounts lock row that init-db made before versions were
 //      recorded (a database of those with no version row reads as version 1)
 //   2  the same, and the version recorded in the database
-//   3  and TidewellFeedTokens: each account's feed token (see FeedTokensTable)
+//   3  and TidewellFeedTokens: each account's feed token (see FeedTokensTable), and
+//      TidewellImportedEvents: the events imported into items (see ImportedEventsTable)
 //   4  the items' index on OwnerKey replaced by one on (OwnerKey, DateStamp)
 inline constexpr int kSchemaVersion = 4;  // the version this tidewell makes and needs
 
@@ -35,6 +36,16 @@ enum class SqlEngine { kSqlite, kPostgres };
 //   BodyChangedAt  Unix seconds when a body of that hash was first served: Last-Modified
 // Made by the step to version 3.
 ado::Statement FeedTokensTable(SqlEngine engine);
+
+// The events `tidewell import` made items of, one row per item it made:
+//   OwnerKey       the account the item was made for (Users.OwnerKey)
+//   Uid            the event's UID (or the one derived from its content when it has none)
+//   InstanceStart  which instance of the event: its RECURRENCE-ID, or the start of the
+//                  instance the recurrence gave, as iCalendar text (UTC "20261124T080000Z",
+//                  a floating "20261124T090000" or a date "20261124")
+//   ItemID         the item made (it may since have been deleted through the screens)
+// Keyed on the first three. Made by the step to version 3.
+ado::Statement ImportedEventsTable(SqlEngine engine);
 
 // The database's schema version: the recorded one, else, for the calendar's tables with no
 // record, 1 when they have everything version 1 has and 0 when they do not. nullopt when the

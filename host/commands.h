@@ -26,6 +26,7 @@ int InitDbCommand(int argc, char** argv);
 int MigrateCommand(int argc, char** argv);
 int BackupCommand(int argc, char** argv);
 int UserCommand(int argc, char** argv);
+int ImportCommand(int argc, char** argv);
 int VersionCommand(int argc, char** argv);
 
 int ConfigCommand(int argc, char** argv);

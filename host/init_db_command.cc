@@ -15,9 +15,9 @@ constexpr const char* kInitDbUsage =
     "Usage: tidewell init-db (--connection STRING | --config FILE)\n"
     "\n"
     "Creates the tables Groups, Users and Items, with their keys and indexes, and the site's\n"
-    "own TidewellSettings, LoginFailures and TidewellFeedTokens on an empty database, at the\n"
-    "current schema version, recorded in TidewellSettings. Refuses when any of them exists\n"
-    "already.\n"
+    "own TidewellSettings, LoginFailures, TidewellFeedTokens and TidewellImportedEvents on an\n"
+    "empty database, at the current schema version, recorded in TidewellSettings. Refuses\n"
+    "when any of them exists already.\n"
     "\n"
     "  --connection STRING  e.g. \"Provider=SQLite;Data Source=var/tidewell.db\" or\n"
     "                       \"Provider=PostgreSQL;host=db.example;dbname=tidewell\"\n"
@@ -35,8 +35,8 @@ int InitDbCommand(int argc, char** argv) {
   SiteLinkSecret(connection);
   std::puts(std::string(
       "tidewell init-db: created the tables Groups, Users and Items, and the site's own "
-      "TidewellSettings (with a new link secret), LoginFailures and TidewellFeedTokens, at schema "
-      "version " +
+      "TidewellSettings (with a new link secret), LoginFailures, TidewellFeedTokens and "
+      "TidewellImportedEvents, at schema version " +
       std::to_string(kSchemaVersion)).c_str());
   return 0;
 }

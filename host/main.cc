@@ -20,6 +20,7 @@ constexpr Command kCommands[] = {
     {"migrate", "bring the database's schema up to this tidewell's version", MigrateCommand},
     {"backup", "copy the embedded database while the server runs", BackupCommand},
     {"user", "list, add, change and delete accounts", UserCommand},
+    {"import", "make items of the events of an iCalendar file for a user", ImportCommand},
     {"version", "print the versions of tidewell and of its database libraries", VersionCommand},
 };
 

@@ -7,6 +7,7 @@
 #include "data/open_database.h"
 #include "data/recordset.h"
 #include "data/statement.h"
+#include "items/item_rows.h"
 #include "runtime/automation_error.h"
 #include "runtime/conversions.h"
 #include "runtime/dates.h"
@@ -19,19 +20,9 @@ using ado::Statement;
 
 // --- Statements ---
 //
-// Each statement that reaches an existing item names its owner too: the item id comes from the
-// link, which anybody can edit, the owner from the checked key of the calendar shown.
-
-Statement ItemsTable() {
-  return Statement("Items");
-}
-
-Statement OwnItemStatement(long item_id, std::string_view owner_key) {
-  return Statement("SELECT * FROM Items WHERE ItemID = ")
-      .Number(item_id)
-      .Add(" AND OwnerKey = ")
-      .Text(owner_key);
-}
+// Each statement that reaches an existing item names its owner too (items/item_rows.h): the
+// item id comes from the link, which anybody can edit, the owner from the checked key of the
+// calendar shown.
 
 Statement DeleteOwnItemStatement(long item_id, std::string_view owner_key) {
   return Statement("DELETE FROM Items WHERE ItemID = ")
@@ -42,22 +33,11 @@ Statement DeleteOwnItemStatement(long item_id, std::string_view owner_key) {
 
 // --- The posted form ---
 
-struct PostedItem {
-  std::string owner_key;
-  Date date;
-  long hour = 0;
-  std::string time_text;
-  std::string heading;
-  std::string description;
-  bool urgent = false;
-  bool complete = false;
-};
-
 // The fields as the columns take them. The hour goes through the run time's CLng, so an hour
 // that is no number fails the action like any other run-time error in it. A date with a time
 // of day keeps only its day: the views find items by day.
-PostedItem ReadPostedItem(const Page& page) {
-  PostedItem item;
+ItemRow ReadPostedItem(const Page& page) {
+  ItemRow item;
   item.owner_key = page.FormValue("ownerkey");
   item.date = DateOnly(CDate(page.FormValue("datestamp")));
   item.hour = CLng(page.FormValue("timestamp"));
@@ -85,16 +65,6 @@ std::string ChosenOwner(Page& page, const std::string& posted) {
   return offered ? posted : page.UserKey;
 }
 
-// The columns every write assigns; the flags are the caller's.
-void AssignColumns(Recordset& rs, const PostedItem& item) {
-  rs.Fields("OwnerKey").SetValue(item.owner_key);
-  rs.Fields("DateStamp").SetValue(item.date);
-  rs.Fields("TimeStamp").SetValue(item.hour);
-  rs.Fields("TimeText").SetValue(item.time_text);
-  rs.Fields("Heading").SetValue(item.heading);
-  rs.Fields("Description").SetValue(item.description);
-}
-
 // The item's columns as the form shows them, true flags as the word "checked".
 ItemFormValues ReadItem(Recordset& rs) {
   auto text = [&rs](const char* column) { return CStrOrBlank(rs.Fields(column).Value()); };
@@ -116,25 +86,17 @@ ItemFormValues ReadItem(Recordset& rs) {
 
 // --- The actions ---
 
-void AddItem(Page& page, const PostedItem& item) {
+void AddItem(Page& page, const ItemRow& item) {
   page.CurrentDate = item.date;
   const bool from_a_view =
       page.ReturnView >= screens::kMonthView && page.ReturnView <= screens::kTimeView;
   page.Screen = from_a_view ? page.ReturnView : screens::kTimeView;
   page.CurrentHour = page.Screen == screens::kTimeView ? item.hour : page.props.DefaultStartHour;
 
-  Recordset rs;
-  rs.Open(ItemsTable(), *page.Connection, ado::adOpenDynamic, ado::adLockOptimistic);
-  rs.AddNew();
-  AssignColumns(rs, item);
-  // An unchecked box leaves the column's default, false.
-  if (item.urgent) rs.Fields("Urgent").SetValue(true);
-  if (item.complete) rs.Fields("Complete").SetValue(true);
-  rs.Update();
-  rs.Close();
+  InsertItem(*page.Connection, item);
 }
 
-void UpdateItem(Page& page, const PostedItem& item) {
+void UpdateItem(Page& page, const ItemRow& item) {
   page.CurrentHour = item.hour;
   page.Screen = screens::kTimeView;
 
@@ -143,7 +105,7 @@ void UpdateItem(Page& page, const PostedItem& item) {
           ado::adLockOptimistic);
   // No row: the item is gone or belongs to another calendar; nothing is said.
   if (!rs.Eof()) {
-    AssignColumns(rs, item);
+    AssignItemColumns(rs, item);
     rs.Fields("Urgent").SetValue(item.urgent);
     rs.Fields("Complete").SetValue(item.complete);
     rs.Update();
@@ -163,7 +125,7 @@ void RejectDate(Page& page) {
 
 void RunAction(Page& page, std::string_view action) {
   if (action == "d") return DeleteItem(page);
-  PostedItem item = ReadPostedItem(page);
+  ItemRow item = ReadPostedItem(page);
   item.owner_key = ChosenOwner(page, item.owner_key);
   if (action == "a") AddItem(page, item);
   if (action == "u") UpdateItem(page, item);

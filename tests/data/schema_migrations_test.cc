@@ -88,7 +88,8 @@ TYPED_TEST(SchemaVersions, MigrateTakesVersionOneToTheCurrentOneKeepingTheDataTh
                 "schema version 1 → 2: the database records its schema version in "
                 "TidewellSettings",
                 "schema version 2 → 3: added TidewellFeedTokens (each account's private feed "
-                "address)",
+                "address) and TidewellImportedEvents (the events `tidewell import` made items "
+                "of)",
                 "schema version 3 → 4: the items' index on their owner also holds their date "
                 "(Items_OwnerKey_DateStamp)"}));
   EXPECT_EQ(first.warning, "");
@@ -108,13 +109,15 @@ TYPED_TEST(SchemaVersions, MigrateTakesVersionOneToTheCurrentOneKeepingTheDataTh
 // A database of version 2 gets the feed tokens table: one row per account, tokens unique.
 TYPED_TEST(SchemaVersions, MigrateFromVersionTwoAddsTheFeedTokensTable) {
   this->Run("DROP TABLE TidewellFeedTokens");
+  this->Run("DROP TABLE TidewellImportedEvents");
   this->Run("UPDATE TidewellSettings SET Value = '2' WHERE Name = 'SchemaVersion'");
   this->connection_.Close();
 
   MigrationReport report = MigrateSchema(this->engine_.connection_string);
   EXPECT_EQ(report.from, 2);
   EXPECT_EQ(report.steps.front(), "schema version 2 → 3: added TidewellFeedTokens (each "
-                                  "account's private feed address)");
+                                  "account's private feed address) and TidewellImportedEvents "
+                                  "(the events `tidewell import` made items of)");
   this->connection_.Open(this->engine_.connection_string);
   EXPECT_EQ(this->RecordedVersion(), "4");
   this->Run("INSERT INTO TidewellFeedTokens (OwnerKey, Token, CreatedAt, BodyChangedAt) "

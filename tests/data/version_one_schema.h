@@ -66,7 +66,7 @@ inline const std::vector<const char*>& VersionOnePostgres() {
 // Replaces whatever tables the engine's Start made with version 1's.
 inline void RemakeAsVersionOne(ado::Connection& connection) {
   for (const char* table : {"Groups", "Users", "Items", "TidewellSettings", "LoginFailures",
-                            "TidewellFeedTokens"}) {
+                            "TidewellFeedTokens", "TidewellImportedEvents"}) {
     connection.Execute(ado::Statement("DROP TABLE IF EXISTS ").Add(table));
   }
   const bool sqlite = connection.Provider() == "SQLite";

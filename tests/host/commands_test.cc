@@ -20,8 +20,8 @@ TEST(InitDb, CreatesTheTablesOnceAndThenRefuses) {
   EXPECT_EQ(first.status, 0) << first.output;
   EXPECT_EQ(first.output,
             "tidewell init-db: created the tables Groups, Users and Items, and the site's own "
-            "TidewellSettings (with a new link secret), LoginFailures and TidewellFeedTokens, at "
-            "schema version 4\n");
+            "TidewellSettings (with a new link secret), LoginFailures, TidewellFeedTokens and "
+            "TidewellImportedEvents, at schema version 4\n");
   CommandRun second = RunTidewell("init-db " + connection);
   EXPECT_EQ(second.status, 1);
   EXPECT_NE(second.output.find("Nothing was changed."), std::string::npos) << second.output;

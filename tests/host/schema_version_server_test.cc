@@ -106,7 +106,8 @@ TYPED_TEST(SchemaVersionServer, MigrateOnceThenTheSiteIsServedWithItsAccountsAnd
             "tidewell migrate: schema version 1 → 2: the database records its schema version in "
             "TidewellSettings\n"
             "tidewell migrate: schema version 2 → 3: added TidewellFeedTokens (each account's "
-            "private feed address)\n"
+            "private feed address) and TidewellImportedEvents (the events `tidewell import` "
+            "made items of)\n"
             "tidewell migrate: schema version 3 → 4: the items' index on their owner also holds "
             "their date (Items_OwnerKey_DateStamp)\n");
   CommandRun again = RunTidewell("migrate --config " + this->config_);

@@ -14,6 +14,7 @@
 #include "runtime/conversions.h"
 #include "tests/data/engines.h"
 #include "tests/host/command_run.h"
+#include "tests/host/table_snapshot.h"
 
 namespace tidewell {
 namespace {
@@ -49,25 +50,12 @@ class UserCommand : public ::testing::Test {
     return ListAccounts(connection);
   }
 
-  // Every column of every row of the three tables, in a fixed order: what "nothing changed"
-  // compares.
+  // Every column of every row of the three tables: what "nothing changed" compares.
   std::string Snapshot() {
-    ado::Connection connection;
-    connection.Open(engine_.connection_string);
-    std::string text;
-    for (const char* query :
-         {"SELECT * FROM Users ORDER BY OwnerKey", "SELECT * FROM Groups ORDER BY GroupID",
-          "SELECT * FROM Items ORDER BY ItemID"}) {
-      ado::Recordset rs;
-      rs.Open(ado::Statement(query), connection);
-      for (; !rs.Eof(); rs.MoveNext()) {
-        for (size_t i = 0; i < rs.FieldCount(); ++i)
-          text += CStrOrBlank(rs.Fields(i).Value()) + "|";
-        text += "\n";
-      }
-      text += "--\n";
-    }
-    return text;
+    return testing::TableSnapshot(engine_.connection_string,
+                                  {"SELECT * FROM Users ORDER BY OwnerKey",
+                                   "SELECT * FROM Groups ORDER BY GroupID",
+                                   "SELECT * FROM Items ORDER BY ItemID"});
   }
 
   // The stored value of one column of the account `name`.
