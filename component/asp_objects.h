@@ -43,12 +43,22 @@ class AspResponse {
  public:
   virtual ~AspResponse() = default;
   virtual void Write(std::string_view text) = 0;
+  // Write for text the caller is done with: a response that keeps what it is given may take
+  // it over instead of copying it (a month page is some hundred kilobytes).
+  virtual void WriteOwned(std::string text) { Write(text); }
 };
 
 // A Response that keeps what was written, for hosts that wrap it in a page of their own.
 class BufferedResponse : public AspResponse {
  public:
   void Write(std::string_view text) override { body_ += text; }
+  void WriteOwned(std::string text) override {
+    if (body_.empty()) {
+      body_ = std::move(text);
+    } else {
+      body_ += text;
+    }
+  }
   const std::string& body() const { return body_; }
   // The body, handed over without a copy; the response is empty afterwards.
   std::string TakeBody() { return std::move(body_); }

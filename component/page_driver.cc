@@ -42,9 +42,16 @@ void OpenWrapperDivs(Page& page) {
   }
 }
 
+// The page is written once, at the end: the response takes the buffer over, unless the text
+// was asked for too (ViewSource answers it).
 void WritePage(Page& page) {
   if (page.response == nullptr) RaiseObjectRequired();
-  page.response->Write(page.PageBuffer);
+  if (page.ViewSourceMode) {
+    page.response->Write(page.PageBuffer);
+    return;
+  }
+  page.response->WriteOwned(std::move(page.PageBuffer));
+  page.PageBuffer.clear();
 }
 
 // 9a: on the login screen, the page's AutoLogin account, or else the posted login form. A
