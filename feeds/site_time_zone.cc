@@ -5,6 +5,9 @@
 #include <fstream>
 #include <mutex>
 
+#include "runtime/clock.h"
+#include "runtime/dates.h"
+
 namespace tidewell {
 namespace {
 
@@ -159,6 +162,13 @@ long long WallTimeToUnix(const SiteTimeZone& zone, const WallTime& local) {
 
 WallTime UnixToWallTime(const SiteTimeZone& zone, long long unix_seconds) {
   return CivilFromSeconds(unix_seconds + OffsetAt(zone, unix_seconds));
+}
+
+long long ClockUnixSeconds() {
+  static const SiteTimeZone machine_zone = TimeZoneNamed(SystemTimeZoneName());
+  const Date now = Now();
+  return WallTimeToUnix(machine_zone, {Year(now), Month(now), Day(now), Hour(now), Minute(now),
+                                       Second(now)});
 }
 
 WallTime ConvertWallTime(const WallTime& time, const SiteTimeZone& from, const SiteTimeZone& to) {
