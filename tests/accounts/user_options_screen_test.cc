@@ -299,7 +299,10 @@ class UserOptionsFeedRow : public UserOptionsScreen {
   // Screen 7 of `user` as a host that serves feeds draws it.
   std::string ShowWithFeeds(const std::string& user, const std::string& renew = "") {
     SiteVisit visit = Screen7(user, 2, /*own_defaults=*/true);
-    visit.Configure([](ASPTidewell& component) { component.SetFeedAddressStart(kFeedStart); });
+    visit.Configure([](ASPTidewell& component) {  // in place of Screen7's own
+      component.SetAllowUserOwnDefaults(true);
+      component.SetFeedAddressStart(kFeedStart);
+    });
     if (!renew.empty()) visit.Post("feedaction", renew);
     return visit.Show();
   }
