@@ -14,17 +14,6 @@ struct ComponentFree {
 };
 using OwnedComponent = std::unique_ptr<icalcomponent, ComponentFree>;
 
-icaltimetype FloatingTime(const WallTime& time) {
-  icaltimetype t = icaltime_null_time();
-  t.year = time.year;
-  t.month = time.month;
-  t.day = time.day;
-  t.hour = time.hour;
-  t.minute = time.minute;
-  t.second = time.second;
-  return t;
-}
-
 icaltimetype UtcTime(long long unix_seconds) {
   return icaltime_from_timet_with_zone(static_cast<time_t>(unix_seconds), 0,
                                        icaltimezone_get_utc_timezone());

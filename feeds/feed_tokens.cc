@@ -16,34 +16,27 @@ Statement TokenOfStatement(std::string_view owner_key) {
   return Statement("SELECT Token FROM TidewellFeedTokens WHERE OwnerKey = ").Text(owner_key);
 }
 
+// The account's row with a new token, made at `now`; what happens when he has one already
+// follows.
+Statement InsertTokenStatement(std::string_view owner_key, std::string_view token,
+                               long long now) {
+  Statement statement(
+      "INSERT INTO TidewellFeedTokens (OwnerKey, Token, CreatedAt, BodyChangedAt) VALUES (");
+  statement.Text(owner_key).Add(", ").Text(token).Add(", ").Number(now).Add(", ").Number(now);
+  return statement.Add(")");
+}
+
 Statement StoreTokenIfMissingStatement(std::string_view owner_key, std::string_view token,
                                        long long now) {
-  return Statement("INSERT INTO TidewellFeedTokens (OwnerKey, Token, CreatedAt, BodyChangedAt) "
-                   "VALUES (")
-      .Text(owner_key)
-      .Add(", ")
-      .Text(token)
-      .Add(", ")
-      .Number(now)
-      .Add(", ")
-      .Number(now)
-      .Add(") ON CONFLICT DO NOTHING");
+  return InsertTokenStatement(owner_key, token, now).Add(" ON CONFLICT DO NOTHING");
 }
 
 // The new token replaces the old in the same row, so the old one is simply no longer there:
 // its address answers as an address never made.
 Statement ReplaceTokenStatement(std::string_view owner_key, std::string_view token,
                                 long long now) {
-  return Statement("INSERT INTO TidewellFeedTokens (OwnerKey, Token, CreatedAt, BodyChangedAt) "
-                   "VALUES (")
-      .Text(owner_key)
-      .Add(", ")
-      .Text(token)
-      .Add(", ")
-      .Number(now)
-      .Add(", ")
-      .Number(now)
-      .Add(") ON CONFLICT (OwnerKey) DO UPDATE SET Token = excluded.Token, "
+  return InsertTokenStatement(owner_key, token, now)
+      .Add(" ON CONFLICT (OwnerKey) DO UPDATE SET Token = excluded.Token, "
            "CreatedAt = excluded.CreatedAt, BodyHash = '', BodyChangedAt = excluded.CreatedAt");
 }
 

@@ -28,6 +28,9 @@ struct WallTime {
   friend bool operator==(const WallTime&, const WallTime&) = default;
 };
 
+// The wall time as libical's time without a zone ("floating").
+icaltimetype FloatingTime(const WallTime& time);
+
 // A zone name that neither libical nor the system's tzdata knows.
 class UnknownTimeZone : public std::invalid_argument {
  public:

@@ -117,6 +117,21 @@ class FeedServer : public ::testing::Test {
     return events;
   }
 
+  // A form posted as a browser posts it; the page it answers.
+  std::string Post(const std::string& action, const std::string& body) {
+    httplib::Client client("127.0.0.1", port_);
+    auto res = client.Post(("/" + action).c_str(), body, "application/x-www-form-urlencoded");
+    return res ? res->body : "";
+  }
+
+  // Bob signs in (password "pw") and opens his user options screen.
+  std::string BobsOptionsScreen() {
+    httplib::Client client("127.0.0.1", port_);
+    const std::string month =
+        Post(FormAction(client.Get("/")->body), "username=bob&password=pw&login=y");
+    return client.Get(("/" + LinkTitled(month, "User Options")).c_str())->body;
+  }
+
   std::string UidOf(long item_id) {
     testing::CommandResult run = testing::RunBinary(
         "/usr/bin/python3",
@@ -282,14 +297,7 @@ TEST_F(FeedServer, TheLogNeverCarriesAToken) {
 // token only with the screen's own, valid key.
 TEST_F(FeedServer, TheOptionsScreenShowsTheAddressAndItsButtonReplacesIt) {
   Start();
-  httplib::Client client("127.0.0.1", port_);
-  auto post = [&](const std::string& action, const std::string& body) {
-    auto res = client.Post(("/" + action).c_str(), body, "application/x-www-form-urlencoded");
-    return res ? res->body : "";
-  };
-  const std::string login = client.Get("/")->body;
-  const std::string month = post(FormAction(login), "username=bob&password=pw&login=y");
-  const std::string options = client.Get(("/" + LinkTitled(month, "User Options")).c_str())->body;
+  const std::string options = BobsOptionsScreen();
   const std::string origin = "http://127.0.0.1:" + std::to_string(port_);
   std::smatch shown;
   ASSERT_TRUE(std::regex_search(options, shown,
@@ -301,7 +309,7 @@ TEST_F(FeedServer, TheOptionsScreenShowsTheAddressAndItsButtonReplacesIt) {
   // A key signed before the password changed no longer opens the account: nothing renews.
   const std::string stale_action = FormAction(options);
   database_.Execute("UPDATE Users SET Password = 'changed-elsewhere' WHERE Username = 'bob'");
-  const std::string refused = post(stale_action, "feedaction=renew");
+  const std::string refused = Post(stale_action, "feedaction=renew");
   // Signed out: the site without an administrator greets a visitor with its welcome screen.
   EXPECT_NE(refused.find("<!-- WelcomeScreen  Start -->"), std::string::npos) << refused;
   EXPECT_EQ(refused.find("<!-- UserOptionsView  Start -->"), std::string::npos);
@@ -310,17 +318,10 @@ TEST_F(FeedServer, TheOptionsScreenShowsTheAddressAndItsButtonReplacesIt) {
 
 TEST_F(FeedServer, TheButtonReplacesTheAddressAndTheOldOneAnswers404) {
   Start();
-  httplib::Client client("127.0.0.1", port_);
-  auto post = [&](const std::string& action, const std::string& body) {
-    auto res = client.Post(("/" + action).c_str(), body, "application/x-www-form-urlencoded");
-    return res ? res->body : "";
-  };
-  const std::string month =
-      post(FormAction(client.Get("/")->body), "username=bob&password=pw&login=y");
-  const std::string options = client.Get(("/" + LinkTitled(month, "User Options")).c_str())->body;
+  const std::string options = BobsOptionsScreen();
   const std::string old_path = FeedPath("bob");
   ASSERT_NE(options.find(old_path), std::string::npos) << options;
-  const std::string renewed = post(FormAction(options), "feedaction=renew");
+  const std::string renewed = Post(FormAction(options), "feedaction=renew");
   ASSERT_NE(renewed.find("<!-- UserOptionsView  Start -->"), std::string::npos) << renewed;
   EXPECT_EQ(renewed.find(old_path), std::string::npos);
   const std::string new_path = FeedPath("bob");
@@ -345,12 +346,7 @@ TEST_F(FeedServer, WithFeedsOffThereIsNoFeedAndNoRow) {
   Write("");
   Start();
   EXPECT_EQ(Fetch(path)->status, 404);
-  httplib::Client client("127.0.0.1", port_);
-  const std::string login = client.Get("/")->body;
-  auto month = client.Post(("/" + FormAction(login)).c_str(), "username=bob&password=pw&login=y",
-                           "application/x-www-form-urlencoded");
-  const std::string options =
-      client.Get(("/" + LinkTitled(month->body, "User Options")).c_str())->body;
+  const std::string options = BobsOptionsScreen();
   ASSERT_NE(options.find("<!-- UserOptionsView  Start -->"), std::string::npos) << options;
   EXPECT_EQ(options.find("Calendar Feed"), std::string::npos);
   EXPECT_EQ(options.find("feedaction"), std::string::npos);
