@@ -43,6 +43,26 @@ Variant Switch(bool on) {
   return Variant(on ? 1L : 0L);
 }
 
+// The feed address and the button that replaces it, below the form, while the host serves
+// feeds: one row of its own, whose post carries the screen's keys like the form's.
+void AppendFeedAddressRow(Page& page) {
+  std::string& out = page.PageBuffer;
+  out += "<br><table cellpadding=1 cellspacing=1 border=0 width=100%>";
+  AppendAccountRow(
+      page, "<b>Calendar Feed:</b>",
+      "<input class=text type=text name=feedaddress readonly size=60 value=\"" +
+          EscapeHtml(page.FeedAddress) + "\" >&nbsp;<form action=" + FormActionLink(page) +
+          " method=post name=feedrenewal style=\"display:inline\" onsubmit=\"return confirm("
+          "'Replace your feed address? Programs subscribed to the old one stop receiving "
+          "your calendar.')\" ><input type=hidden name=" + std::string(kRenewFeedField) +
+          " value=" + std::string(kRenewFeedValue) +
+          " ><input class=text type=submit value=\"New Address\" ></form>");
+  out += "</table>";
+}
+
+// How much taller the screen is with the feed row.
+constexpr long kFeedRowHeight = 34;
+
 void AppendDefaultViewRow(Page& page) {
   std::string& out = page.PageBuffer;
   out += "<span class=text ><b>After logging in, show me the</b>&nbsp;";
@@ -77,9 +97,12 @@ void UserOptionsView(Page& page) {
   out += "<input class=text type=submit name=submit value=Update >";
   out += "<input type=hidden name=action value=u />";
   out += "</form>";
+  const bool feed_row = page.FeedAddressStart.has_value() && !page.FeedAddress.empty();
+  if (feed_row) AppendFeedAddressRow(page);
   AppendFormBodyClosing(page);
   out += "<!-- UserOptionsView End -->";
-  ReplaceHeight(page, ByBrowser(page, /*standard=*/545, /*navigator=*/554, /*opera=*/555));
+  ReplaceHeight(page, ByBrowser(page, /*standard=*/545, /*navigator=*/554, /*opera=*/555) +
+                          (feed_row ? kFeedRowHeight : 0));
 }
 
 }  // namespace tidewell

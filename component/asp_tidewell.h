@@ -97,6 +97,10 @@ class ASPTidewell {
 
   // --- Host settings that are not properties ---
   void SetLinkSigning(LinkSigning signing) { page_.signing = std::move(signing); }
+  // Where feed addresses start while the host serves feeds; unset, no screen shows one.
+  void SetFeedAddressStart(std::optional<std::string> start) {
+    page_.FeedAddressStart = std::move(start);
+  }
 
   // The properties as one struct, for the name-based table (property_table.h).
   Properties& properties() { return page_.props; }

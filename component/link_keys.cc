@@ -71,6 +71,14 @@ std::string GenerateOwnerKey() {
   return RandomHex(kKeyDigits / 2);
 }
 
+std::string GenerateFeedToken() {
+  return RandomHex(16);
+}
+
+bool IsFeedToken(std::string_view token) {
+  return token.size() == 32 && IsLowerHex(token);
+}
+
 std::string GenerateLinkSecret() {
   return RandomHex(32);
 }

@@ -43,6 +43,13 @@ class AccountStamps {
 // A fresh OwnerKey from the operating system's random source.
 std::string GenerateOwnerKey();
 
+// A fresh feed token, the secret part of a feed address: 32 lower-case hex digits (128 bits)
+// from the same random source as the keys.
+std::string GenerateFeedToken();
+
+// True for text of the form GenerateFeedToken makes.
+bool IsFeedToken(std::string_view token);
+
 // A fresh signing secret: 64 hex digits from the operating system's random source.
 std::string GenerateLinkSecret();
 

@@ -118,6 +118,11 @@ struct Page {
   std::string SearchResults;
   std::shared_ptr<ado::Connection> Connection;  // opened at step 8 of Show, closed at its end
   long long StatementsRun = 0;  // by Connection, counted when it closed (for the access log)
+  // Where this page's feed addresses start ("https://cal.example.org/feed/"), set by the host
+  // while the site serves feeds (host key Feeds); unset, no screen shows a feed address.
+  std::optional<std::string> FeedAddressStart;
+  // The signed-in user's feed address, read (or made) for the user options screen.
+  std::string FeedAddress;
   // What the host counts for its metrics; nothing in the component reads them.
   int LinkKeysRefused = 0;  // keys a link carried that were malformed, expired or not signed
   LoginRefusal LoginRefused = LoginRefusal::kNone;

@@ -10,6 +10,7 @@
 #include "component/page.h"
 #include "component/screen_dispatch.h"
 #include "data/open_database.h"
+#include "feeds/feed_address.h"
 #include "frame/header.h"
 #include "frame/navigation_bar.h"
 #include "frame/view_tabs.h"
@@ -119,6 +120,8 @@ void RunPostedActions(Page& page) {
   GuardAdministratorScreens(page);
   // From here on the page writes links: the keys it carries are known to be whose they are.
   SettleKeyStamps(page);
+  // The user options screen's feed address, renewed when its button posted.
+  PrepareFeedAddress(page);
   // 9g: the search on screen 15, once the searcher is known.
   if (!page.ErrorFlag && page.Screen == screens::kSearch && !page.FormValue("action").empty()) {
     ProcessSearch(page);

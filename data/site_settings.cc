@@ -26,6 +26,11 @@ std::string ReadOrStoreSetting(const std::string& connection_string, std::string
                                std::string_view value_if_missing) {
   ado::Connection connection;
   connection.Open(connection_string);
+  return ReadOrStoreSetting(connection, name, value_if_missing);
+}
+
+std::string ReadOrStoreSetting(ado::Connection& connection, std::string_view name,
+                               std::string_view value_if_missing) {
   connection.Execute(StoreIfMissingStatement(name, value_if_missing));
   ado::Recordset rs;
   rs.Open(SettingStatement(name), connection);

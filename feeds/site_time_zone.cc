@@ -5,6 +5,9 @@
 #include <fstream>
 #include <mutex>
 
+#include "runtime/clock.h"
+#include "runtime/dates.h"
+
 namespace tidewell {
 namespace {
 
@@ -78,14 +81,7 @@ long long SecondsOf(const WallTime& time) {
 // The zone's offset from UTC, in seconds, at the moment `unix_seconds`: a moment has one.
 int OffsetAt(const SiteTimeZone& zone, long long unix_seconds) {
   if (zone.zone == icaltimezone_get_utc_timezone()) return 0;
-  const WallTime utc = CivilFromSeconds(unix_seconds);
-  icaltimetype time = icaltime_null_time();
-  time.year = utc.year;
-  time.month = utc.month;
-  time.day = utc.day;
-  time.hour = utc.hour;
-  time.minute = utc.minute;
-  time.second = utc.second;
+  icaltimetype time = FloatingTime(CivilFromSeconds(unix_seconds));
   time.zone = icaltimezone_get_utc_timezone();
   int is_daylight = 0;
   std::lock_guard lock(ZoneMutex());
@@ -112,6 +108,17 @@ std::string AfterZoneinfo(std::string path) {
 }
 
 }  // namespace
+
+icaltimetype FloatingTime(const WallTime& time) {
+  icaltimetype t = icaltime_null_time();
+  t.year = time.year;
+  t.month = time.month;
+  t.day = time.day;
+  t.hour = time.hour;
+  t.minute = time.minute;
+  t.second = time.second;
+  return t;
+}
 
 bool IsKnownTimeZone(std::string_view name) { return LoadZone(name) != nullptr; }
 
@@ -161,6 +168,13 @@ WallTime UnixToWallTime(const SiteTimeZone& zone, long long unix_seconds) {
   return CivilFromSeconds(unix_seconds + OffsetAt(zone, unix_seconds));
 }
 
+long long ClockUnixSeconds() {
+  static const SiteTimeZone machine_zone = TimeZoneNamed(SystemTimeZoneName());
+  const Date now = Now();
+  return WallTimeToUnix(machine_zone, {Year(now), Month(now), Day(now), Hour(now), Minute(now),
+                                       Second(now)});
+}
+
 WallTime ConvertWallTime(const WallTime& time, const SiteTimeZone& from, const SiteTimeZone& to) {
   return UnixToWallTime(to, WallTimeToUnix(from, time));
 }
@@ -184,10 +198,7 @@ icalcomponent* NewVTimezone(const SiteTimeZone& zone, int from_year) {
     icalcomponent_add_property(standard, icalproperty_new_tzname("UTC"));
     icalcomponent_add_component(vtimezone, standard);
   } else {
-    icaltimetype start = icaltime_null_time();
-    start.year = from_year;
-    start.month = 1;
-    start.day = 1;
+    icaltimetype start = FloatingTime({from_year, 1, 1, 0, 0, 0});
     start.zone = icaltimezone_get_utc_timezone();
     icaltimezone_truncate_vtimezone(vtimezone, start, icaltime_null_time(), 0);
   }

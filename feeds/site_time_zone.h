@@ -28,6 +28,9 @@ struct WallTime {
   friend bool operator==(const WallTime&, const WallTime&) = default;
 };
 
+// The wall time as libical's time without a zone ("floating").
+icaltimetype FloatingTime(const WallTime& time);
+
 // A zone name that neither libical nor the system's tzdata knows.
 class UnknownTimeZone : public std::invalid_argument {
  public:
@@ -51,6 +54,10 @@ long long WallTimeToUnix(const SiteTimeZone& zone, const WallTime& local);
 
 // The wall time in `zone` at the moment `unix_seconds`.
 WallTime UnixToWallTime(const SiteTimeZone& zone, long long unix_seconds);
+
+// The run time's present moment (runtime/clock.h: the machine's wall clock, or TIDEWELL_NOW)
+// as Unix seconds, read through the machine's own zone (SystemTimeZoneName, read once).
+long long ClockUnixSeconds();
 
 // The same moment read on another zone's clock: how times written in one zone become the
 // site's.

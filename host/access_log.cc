@@ -84,6 +84,15 @@ std::string JsonEscaped(std::string_view text, size_t limit) {
   return escaped;
 }
 
+std::string LoggedPath(std::string_view path) {
+  constexpr std::string_view kFeedFolder = "/feed/";
+  const size_t at = path.find(kFeedFolder);
+  if (at == std::string_view::npos || at + kFeedFolder.size() == path.size()) {
+    return std::string(path);
+  }
+  return std::string(path.substr(0, at + kFeedFolder.size())) + "...";
+}
+
 std::string AccessLine(const AccessRecord& record, LogFormat format) {
   return format == LogFormat::kJson ? JsonLine(record) : TextLine(record);
 }

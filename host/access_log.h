@@ -12,7 +12,7 @@ struct AccessRecord {
   std::string time;    // "2026-11-21 09:30:00", local time
   std::string remote;  // the client's address (host/client_address.h)
   std::string method;  // "" when the request could not be read that far
-  std::string path;    // without the query string, %XX decoded
+  std::string path;    // without the query string, %XX decoded, LoggedPath
   std::string version;
   int status = 0;
   size_t bytes = 0;              // of the body sent
@@ -20,6 +20,10 @@ struct AccessRecord {
   std::string statements = "-";  // statements the page ran, "-" likewise
   double duration_ms = 0;
 };
+
+// The path as the access log shows it: a feed address's token is its whole secret, so
+// everything after "/feed/" becomes "..." ("/cal/feed/...").
+std::string LoggedPath(std::string_view path);
 
 // The access log's line formats (the LogFormat key): words, or one JSON object a line.
 enum class LogFormat { kText, kJson };

@@ -10,9 +10,11 @@ namespace {
 
 // OnStartPage, then the page's settings as its script would have made them.
 void PrepareComponent(ASPTidewell& component, const ScriptingContext& context,
-                      const PageConfig& page, const LinkSigning& signing) {
+                      const PageConfig& page, const LinkSigning& signing,
+                      const std::optional<std::string>& feed_address_start) {
   component.OnStartPage(context);
   component.SetLinkSigning(signing);
+  component.SetFeedAddressStart(feed_address_start);
   for (const PropertySetting& setting : page.properties) {
     LetProperty(component.properties(), setting.name, setting.value);
   }
@@ -34,12 +36,13 @@ HostAnswer WithPageFacts(HostAnswer answer, const Page& page) {
 }  // namespace
 
 HostAnswer RunComponent(const PageConfig& page, const LinkSigning& signing,
-                        const AspRequest& request) {
+                        const AspRequest& request,
+                        const std::optional<std::string>& feed_address_start) {
   BufferedResponse response;
   ScriptingContext context{&request, &response};
   ASPTidewell component;
   try {
-    PrepareComponent(component, context, page, signing);
+    PrepareComponent(component, context, page, signing, feed_address_start);
     component.Show();
     component.OnEndPage();
   } catch (const AutomationError& e) {
@@ -57,11 +60,12 @@ HostAnswer RunComponent(const PageConfig& page, const LinkSigning& signing,
 }
 
 std::string ViewComponentSource(const PageConfig& page, const LinkSigning& signing,
-                                const AspRequest& request) {
+                                const AspRequest& request,
+                                const std::optional<std::string>& feed_address_start) {
   BufferedResponse response;
   ScriptingContext context{&request, &response};
   ASPTidewell component;
-  PrepareComponent(component, context, page, signing);
+  PrepareComponent(component, context, page, signing, feed_address_start);
   std::string html = component.ViewSource();
   component.OnEndPage();
   return html;

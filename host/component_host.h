@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "component/asp_objects.h"
@@ -30,12 +31,16 @@ struct HostAnswer {
 // request and a response, set the page's properties in file order, AutoLogin when configured,
 // Show, and wrap what it wrote in the page template. A run-time error that ends the request
 // becomes a 400 with a short plain page naming the error.
+// `feed_address_start` is where the page's feed addresses start while the site serves feeds
+// (host/feed_endpoint.h FeedAddressStart), nothing otherwise.
 HostAnswer RunComponent(const PageConfig& page, const LinkSigning& signing,
-                        const AspRequest& request);
+                        const AspRequest& request,
+                        const std::optional<std::string>& feed_address_start = std::nullopt);
 
 // The same, returning only the component's own text (ViewSource), for `tidewell render`.
 // Run-time errors pass through as AutomationError.
 std::string ViewComponentSource(const PageConfig& page, const LinkSigning& signing,
-                                const AspRequest& request);
+                                const AspRequest& request,
+                                const std::optional<std::string>& feed_address_start = std::nullopt);
 
 }  // namespace tidewell

@@ -147,6 +147,8 @@ class ConfigReader {
         Fail("TimeZone names a zone such as Europe/Berlin or UTC; unknown time zone " + value);
       }
       config.time_zone = value;
+    } else if (EqualsIgnoringCase(name, "PublicAddress")) {
+      config.public_address = ParsePublicAddress(value);
     } else if (EqualsIgnoringCase(name, "FeedDaysBack")) {
       config.feed_days_back = ParseWholeNumberInRange(name, value, 0, 3660);
     } else if (EqualsIgnoringCase(name, "FeedDaysAhead")) {
@@ -218,6 +220,19 @@ class ConfigReader {
     } catch (const std::invalid_argument& e) {
       Fail(name + " lists addresses and networks such as 10.0.0.0/8 or ::1: " + e.what());
     }
+  }
+
+  // "https://cal.example.org" or "https://example.org/calendar": where users reach the site,
+  // without a trailing "/"; nothing that could break out of an address or an attribute.
+  std::string ParsePublicAddress(const std::string& value) {
+    const bool web = value.rfind("https://", 0) == 0 || value.rfind("http://", 0) == 0;
+    const size_t host = value.find("://") + 3;
+    if (!web || value.size() <= host || value.find_first_of(" \t\"'<>?#\\", 0) != std::string::npos) {
+      Fail("PublicAddress is the site's address such as https://cal.example.org, not " + value);
+    }
+    std::string address = value;
+    while (address.size() > host && address.back() == '/') address.pop_back();
+    return address;
   }
 
   // "https://a.example, https://b.example:8443" or 'self': the sources of frame-ancestors.
@@ -309,7 +324,7 @@ std::vector<std::string_view> HostKeyNames() {
           "Workers",        "FrameAncestors", "ContentSecurityPolicy", "PageTemplate",
           "AutoLogin",      "Metrics",      "MetricsAllow",   "LogFormat",
           "TrustedProxies", "Feeds",      "TimeZone",       "FeedDaysBack",
-          "FeedDaysAhead"};
+          "FeedDaysAhead",  "PublicAddress"};
 }
 
 std::vector<std::string> ApplyEnvironment(SiteConfig& config, char** environment) {

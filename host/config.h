@@ -21,7 +21,7 @@ namespace tidewell {
 // AssetFolder, the server's limits (RequestTimeout, IdleTimeout, MaxConnections, Workers) and
 // its headers (FrameAncestors, ContentSecurityPolicy), what it tells a monitor (Metrics,
 // MetricsAllow, LogFormat), whom it believes (TrustedProxies) and the feeds (Feeds, TimeZone,
-// FeedDaysBack, FeedDaysAhead) apply to the whole server; PageTemplate
+// FeedDaysBack, FeedDaysAhead, PublicAddress) apply to the whole server; PageTemplate
 // (a file) and AutoLogin (user, password, readonly) to the page they stand in.
 
 struct PropertySetting {
@@ -78,6 +78,9 @@ struct SiteConfig {
   // The feed's window, in days before and after today.
   long feed_days_back = 90;
   long feed_days_ahead = 400;
+  // The site's address as its users reach it ("https://cal.example.org"), for the feed
+  // addresses the user options screen shows; "" builds them from each request's Host.
+  std::string public_address;
   std::vector<PageConfig> pages;  // the page at "/" first
 
   const PageConfig* FindPage(std::string_view path) const;

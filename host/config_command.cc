@@ -69,6 +69,7 @@ void PrintServerKeys(const SiteConfig& config) {
   PrintLine("TimeZone", config.time_zone);
   PrintLine("FeedDaysBack", std::to_string(config.feed_days_back));
   PrintLine("FeedDaysAhead", std::to_string(config.feed_days_ahead));
+  if (!config.public_address.empty()) PrintLine("PublicAddress", config.public_address);
 }
 
 void PrintPage(const PageConfig& page) {

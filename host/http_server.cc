@@ -370,7 +370,9 @@ class Session : public std::enable_shared_from_this<Session> {
         static_cast<http::status>(answer.status), 11);
     for (const auto& [name, value] : server_.common_headers) response->set(name, value);
     for (const auto& [name, value] : answer.headers) response->set(name, value);
-    response->set(http::field::content_type, answer.content_type);
+    if (!answer.content_type.empty()) {
+      response->set(http::field::content_type, answer.content_type);
+    }
     size_t bytes = answer.body.size();
     response->body() = std::move(answer.body);
     response->prepare_payload();
@@ -383,7 +385,7 @@ class Session : public std::enable_shared_from_this<Session> {
     record.time = LogTime();
     record.remote = request.remote_address;
     record.method = request.method;
-    record.path = request.path;
+    record.path = LoggedPath(request.path);
     record.version = request.version;
     record.status = answer.status;
     record.bytes = request.method == "HEAD" ? 0 : bytes;

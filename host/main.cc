@@ -19,7 +19,7 @@ constexpr Command kCommands[] = {
     {"config", "print the effective configuration, secrets masked", ConfigCommand},
     {"migrate", "bring the database's schema up to this tidewell's version", MigrateCommand},
     {"backup", "copy the embedded database while the server runs", BackupCommand},
-    {"user", "list, add, change and delete accounts", UserCommand},
+    {"user", "list, add, change and delete accounts; their feed addresses", UserCommand},
     {"import", "make items of the events of an iCalendar file for a user", ImportCommand},
     {"version", "print the versions of tidewell and of its database libraries", VersionCommand},
 };

@@ -8,6 +8,7 @@
 #include "component/asp_objects.h"
 #include "host/commands.h"
 #include "host/component_host.h"
+#include "host/feed_endpoint.h"
 #include "host/form_encoding.h"
 #include "host/site_setup.h"
 
@@ -58,7 +59,9 @@ int RenderCommand(int argc, char** argv) {
   const PageConfig* page = config.FindPage(request.ServerVariables("URL"));
   if (page == nullptr) page = &config.pages.front();
   RefuseOtherSchemaVersion(config, page->PropertyValue("ConnectionString"));
-  std::cout << ViewComponentSource(*page, PrepareSigning(config), request);
+  // No request to take a Host from: the feed address is PublicAddress's, else the path alone.
+  std::cout << ViewComponentSource(*page, PrepareSigning(config), request,
+                                   FeedAddressStart(config, *page, nullptr));
   return 0;
 }
 

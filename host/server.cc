@@ -5,6 +5,7 @@
 
 #include "data/database_error.h"
 #include "host/component_host.h"
+#include "host/feed_endpoint.h"
 #include "host/http_request.h"
 #include "host/http_server.h"
 #include "host/metrics.h"
@@ -47,7 +48,8 @@ class Site {
         signing_(signing),
         assets_(std::move(assets)),
         metrics_(metrics),
-        service_(config, metrics) {}
+        service_(config, metrics),
+        feeds_(config) {}
 
   HttpAnswer Answer(const HttpRequest& request) const {
     bool get = request.method == "GET" || request.method == "HEAD";
@@ -57,6 +59,7 @@ class Site {
       return answer;
     }
     if (std::optional<HttpAnswer> answer = service_.Answer(request)) return std::move(*answer);
+    if (std::optional<HttpAnswer> answer = AnswerFeed(request)) return std::move(*answer);
     if (const PageConfig* page = config_.FindPage(request.path)) return AnswerPage(*page, request);
     if (get) {
       if (const StaticAssets::Asset* asset = assets_.Find(request.path)) {
@@ -74,7 +77,8 @@ class Site {
   HttpAnswer AnswerPage(const PageConfig& page, const HttpRequest& request) const {
     HostAnswer host;
     try {
-      host = RunComponent(page, signing_.Current(), ToAspRequest(request));
+      host = RunComponent(page, signing_.Current(), ToAspRequest(request),
+                          FeedAddressStart(config_, page, &request));
     } catch (const ado::DatabaseError& e) {
       metrics_.CountEscapedDatabaseError();
       // Its text may quote a value from the request; the log gets the number only.
@@ -92,11 +96,21 @@ class Site {
     return answer;
   }
 
+  std::optional<HttpAnswer> AnswerFeed(const HttpRequest& request) const {
+    try {
+      return feeds_.Answer(request);
+    } catch (const ado::DatabaseError& e) {
+      metrics_.CountEscapedDatabaseError();
+      throw std::runtime_error("database error " + std::to_string(e.number()));
+    }
+  }
+
   const SiteConfig& config_;
   SiteSigning& signing_;
   StaticAssets assets_;
   Metrics& metrics_;
   mutable ServiceEndpoints service_;
+  FeedEndpoint feeds_;
 };
 
 HttpServerLimits LimitsOf(const SiteConfig& config) {

@@ -13,8 +13,11 @@
 #include "data/connection.h"
 #include "data/database_error.h"
 #include "data/transaction.h"
+#include "feeds/feed_tokens.h"
+#include "feeds/site_time_zone.h"
 #include "host/account_table.h"
 #include "host/commands.h"
+#include "host/feed_endpoint.h"
 #include "host/password_input.h"
 #include "runtime/conversions.h"
 
@@ -33,6 +36,10 @@ constexpr const char* kUserUsage =
     "                              a new password for the account\n"
     "  admin NAME on|off [--force] sets or clears the account's administrator flag\n"
     "  delete NAME [--force]       deletes the account and all its items\n"
+    "  feed NAME [--renew]         prints the account's private calendar feed address (made\n"
+    "                              on first use): whole when PublicAddress is configured, else\n"
+    "                              its path below the site's address; --renew replaces it, and\n"
+    "                              the old address answers 404 from then on\n"
     "\n"
     "Passwords are asked twice, without echo, on the terminal; --password-stdin reads one\n"
     "line from standard input instead. Never give a password on the command line.\n"
@@ -44,7 +51,7 @@ constexpr const char* kUserUsage =
     "  --connection STRING  e.g. \"Provider=SQLite;Data Source=var/tidewell.db\"\n"
     "  --config FILE        use the ConnectionString of the configuration's page at /\n";
 
-const std::vector<std::string> kFlags = {"help", "admin", "force", "password-stdin"};
+const std::vector<std::string> kFlags = {"help", "admin", "force", "password-stdin", "renew"};
 
 // Runs `work` in one transaction that first takes the accounts lock, so that two changes to
 // the accounts (this command's, a screen's first administrator) never overlap: the checks
@@ -207,10 +214,35 @@ int Delete(ado::Connection& connection, const Arguments& args, const std::string
   return 0;
 }
 
+// The address as the user options screen shows it, for the page at "/": with the configured
+// PublicAddress in front when there is one (a command has no request to take a Host from).
+int Feed(ado::Connection& connection, const Arguments& args, const std::string& name) {
+  if (!connection.TableExists("TidewellFeedTokens")) {
+    throw std::runtime_error("the database has no feed tokens yet: run tidewell migrate first");
+  }
+  const SiteConfig config = ConfigFrom(args);
+  const NamedAccount account = AccountNamed(connection, name);
+  const long long now = ClockUnixSeconds();
+  const std::string token = args.Has("renew")
+                                ? RenewFeedToken(connection, account.owner_key, now)
+                                : FeedTokenFor(connection, account.owner_key, now);
+  std::printf("%s%s%s.ics\n", config.public_address.c_str(), FeedPathStart("/").c_str(),
+              token.c_str());
+  if (args.Has("renew")) {
+    std::fprintf(stderr, "tidewell user: replaced the feed address of %s; the old one no longer "
+                         "answers\n", account.user_name.c_str());
+  }
+  if (!config.feeds) {
+    std::fprintf(stderr, "tidewell user: feeds are off: the address answers once the server "
+                         "runs with Feeds = on\n");
+  }
+  return 0;
+}
+
 int RunAction(const Arguments& args) {
   const std::vector<std::string>& words = args.Positionals();
   if (words.empty())
-    throw std::invalid_argument("give an action: list, add, passwd, admin or delete");
+    throw std::invalid_argument("give an action: list, add, passwd, admin, delete or feed");
   const std::string& action = words.front();
   std::vector<std::string> known = {"connection", "config", "help"};
   if (action == "list") {
@@ -227,6 +259,9 @@ int RunAction(const Arguments& args) {
   } else if (action == "delete") {
     ExpectWords(words, 2, "delete NAME [--force]");
     known.push_back("force");
+  } else if (action == "feed") {
+    ExpectWords(words, 2, "feed NAME [--renew]");
+    known.push_back("renew");
   } else {
     throw std::invalid_argument("unknown action " + action);
   }
@@ -242,6 +277,7 @@ int RunAction(const Arguments& args) {
   if (action == "add") return Add(connection, args, words[1]);
   if (action == "passwd") return Passwd(connection, args, words[1]);
   if (action == "admin") return Admin(connection, args, words[1], words[2]);
+  if (action == "feed") return Feed(connection, args, words[1]);
   return Delete(connection, args, words[1]);
 }
 

@@ -102,15 +102,15 @@ ado::Connection& ListConnection(Page& page) {
 }
 
 long ListGroupScope(Page& page) {
-  if (!page.User.ShowAllGroupUsers) return 0;
-  if (page.GroupScope) return *page.GroupScope;
-  Recordset rs;
-  rs.Open(GroupScopeStatement(page.UserKey), ListConnection(page));
-  const long group =
-      rs.Eof() || rs.Fields("GroupID").Value().IsNull() ? 0 : CLng(rs.Fields("GroupID").Value());
-  rs.Close();
-  page.GroupScope = group;
-  return group;
+  // The group is read only when it decides something.
+  if (page.User.ShowAllGroupUsers && !page.GroupScope) {
+    Recordset rs;
+    rs.Open(GroupScopeStatement(page.UserKey), ListConnection(page));
+    page.GroupScope =
+        rs.Eof() || rs.Fields("GroupID").Value().IsNull() ? 0 : CLng(rs.Fields("GroupID").Value());
+    rs.Close();
+  }
+  return GroupScopeFor(page.User.ShowAllGroupUsers, page.GroupScope.value_or(0));
 }
 
 std::string TrapListFailure(Page& page, const std::function<std::string()>& read) {

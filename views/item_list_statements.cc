@@ -182,6 +182,17 @@ Statement TimeTableStatement(std::string_view date, long hour, const ListOwner& 
   return statement;
 }
 
+Statement FeedItemsStatement(Date first, Date last, const ListOwner& owner,
+                             ASPDataServer dialect) {
+  Statement statement(
+      "SELECT ItemID, DateStamp, TimeStamp, TimeText, Heading, Description, Urgent, Complete, "
+      "Initials FROM Items INNER JOIN Users ON Items.OwnerKey = Users.OwnerKey WHERE "
+      "DateStamp >= ");
+  statement.DateValue(first, dialect).Add(" AND DateStamp <= ").DateValue(last, dialect);
+  AddOwnerAndSort(statement, owner, kDayListDefaultSort, "DateStamp, ");
+  return statement;
+}
+
 Statement OneUserStatement(std::string_view owner_key) {
   return Statement(
              "SELECT Users.OwnerKey, Users.Username, Users.Administrator, Groups.GroupName FROM "

@@ -20,6 +20,12 @@ struct ListOwner {
   long group_id = 0;
 };
 
+// The group whose items a user's lists show: his group's when he has the show-all option,
+// else none (0): his own items only. The views and the feeds alike decide by this.
+inline long GroupScopeFor(bool show_all_group_users, long group_id) {
+  return show_all_group_users ? group_id : 0;
+}
+
 // The group a user belongs to, read when his lists show the whole group:
 // "SELECT GroupID FROM Users WHERE OwnerKey = '" + key + "'".
 ado::Statement GroupScopeStatement(std::string_view owner_key);
@@ -70,6 +76,11 @@ ado::Statement ViewListStatement(std::span<const ListCell> cells, const ListOwne
 // Every item of one hour with its owner's initials and name, for the time view's table.
 ado::Statement TimeTableStatement(std::string_view date, long hour, const ListOwner& owner,
                                   std::string_view sort, ASPDataServer dialect);
+
+// Every item from the day `first` to the day `last` that the owner's lists show, with its
+// description, sorted by day and within a day as the day lists sort: a user's feed.
+ado::Statement FeedItemsStatement(Date first, Date last, const ListOwner& owner,
+                                  ASPDataServer dialect);
 
 // --- The option lists (option_lists.h) ---
 

@@ -276,3 +276,88 @@ TEST_F(UserOptionsScreen, UserTextIsEscaped) {
 
 }  // namespace
 }  // namespace tidewell
+
+namespace tidewell {
+namespace {
+
+using testing::FormAction;
+
+constexpr const char* kFeedStart = "https://cal.example.org/feed/";
+
+// Bob's stored feed token, "" when he has none yet.
+std::string StoredFeedToken(const std::string& connection_string, const std::string& key) {
+  ado::Connection connection;
+  connection.Open(connection_string);
+  ado::Recordset rs;
+  rs.Open(ado::Statement("SELECT Token FROM TidewellFeedTokens WHERE OwnerKey = ").Text(key),
+          connection);
+  return rs.Eof() ? "" : CStrOrBlank(rs.Fields("Token").Value());
+}
+
+class UserOptionsFeedRow : public UserOptionsScreen {
+ protected:
+  // Screen 7 of `user` as a host that serves feeds draws it.
+  std::string ShowWithFeeds(const std::string& user, const std::string& renew = "") {
+    SiteVisit visit = Screen7(user, 2, /*own_defaults=*/true);
+    visit.Configure([](ASPTidewell& component) {  // in place of Screen7's own
+      component.SetAllowUserOwnDefaults(true);
+      component.SetFeedAddressStart(kFeedStart);
+    });
+    if (!renew.empty()) visit.Post("feedaction", renew);
+    return visit.Show();
+  }
+  std::string TokenOf(const std::string& key) {
+    return StoredFeedToken(database_.connection_string(), key);
+  }
+};
+
+// With feeds on, the screen is the one without them plus exactly one row below the form (and
+// a frame that much taller); the address holds the token made for him on this first visit.
+TEST_F(UserOptionsFeedRow, FeedsOnAddOneRowBelowTheFormAndNothingElse) {
+  const std::string off_page = Screen7(bob_, 2, /*own_defaults=*/true).Show();
+  EXPECT_EQ(TokenOf(bob_), "");
+  const std::string on_page = ShowWithFeeds(bob_);
+  const std::string token = TokenOf(bob_);
+  ASSERT_EQ(token.size(), 32u);
+  const std::string on = UserOptions(on_page);
+  const std::string off = UserOptions(off_page);
+  const size_t row_start = on.find("<br><table cellpadding=1 cellspacing=1 border=0 width=100%>"
+                                   "<tr bgcolor=#DEE7F7><td width=200 class=text><b>Calendar "
+                                   "Feed:</b>");
+  ASSERT_NE(row_start, std::string::npos) << on;
+  EXPECT_EQ(row_start, on.find("</form>") + 7);
+  const size_t row_end = on.find("</table>", row_start) + 8;
+  const std::string row = on.substr(row_start, row_end - row_start);
+  EXPECT_EQ(on.substr(0, row_start) + on.substr(row_end), off);
+  const std::string action = FormAction(on);
+  EXPECT_EQ(row,
+            "<br><table cellpadding=1 cellspacing=1 border=0 width=100%><tr bgcolor=#DEE7F7>"
+            "<td width=200 class=text><b>Calendar Feed:</b></td><td class=text><input "
+            "class=text type=text name=feedaddress readonly size=60 value=\"" +
+                std::string(kFeedStart) + token +
+                ".ics\" >&nbsp;<form action=" + action +
+                " method=post name=feedrenewal style=\"display:inline\" onsubmit=\"return "
+                "confirm('Replace your feed address? Programs subscribed to the old one stop "
+                "receiving your calendar.')\" ><input type=hidden name=feedaction value=renew "
+                "><input class=text type=submit value=\"New Address\" ></form></td></tr>"
+                "</table>");
+  EXPECT_EQ(std::stol(FrameHeight(on_page)), std::stol(FrameHeight(off_page)) + 34);
+  // A second visit shows the same address.
+  EXPECT_NE(UserOptions(ShowWithFeeds(bob_)).find(token + ".ics"), std::string::npos);
+}
+
+TEST_F(UserOptionsFeedRow, TheButtonsPostReplacesTheTokenOnlyWhileFeedsAreOn) {
+  ShowWithFeeds(bob_);
+  const std::string first = TokenOf(bob_);
+  SiteVisit off = Screen7(bob_, 2, true);
+  off.Post("feedaction", "renew").Show();  // feeds off: nothing happens
+  EXPECT_EQ(TokenOf(bob_), first);
+  const std::string screen = UserOptions(ShowWithFeeds(bob_, "renew"));
+  const std::string second = TokenOf(bob_);
+  EXPECT_NE(second, first);
+  EXPECT_NE(screen.find(second + ".ics"), std::string::npos);
+  EXPECT_EQ(screen.find(first), std::string::npos);
+}
+
+}  // namespace
+}  // namespace tidewell

@@ -68,3 +68,17 @@ TEST(ReadinessReason, NeverQuotesTheConnectionStringsPassword) {
 
 }  // namespace
 }  // namespace tidewell
+
+namespace tidewell {
+namespace {
+
+TEST(AccessLog, AFeedAddressShowsNoToken) {
+  EXPECT_EQ(LoggedPath("/feed/0123456789abcdef0123456789abcdef.ics"), "/feed/...");
+  EXPECT_EQ(LoggedPath("/cal/feed/anything/else"), "/cal/feed/...");
+  EXPECT_EQ(LoggedPath("/feed/"), "/feed/");
+  EXPECT_EQ(LoggedPath("/"), "/");
+  EXPECT_EQ(LoggedPath("/feeder/x"), "/feeder/x");
+}
+
+}  // namespace
+}  // namespace tidewell

@@ -70,6 +70,8 @@ TEST(Config, PrintsWhatTheServerWouldRunWithSecretsMasked) {
       << run.output;
   EXPECT_EQ(run.output.find("hunter2"), std::string::npos);
   EXPECT_EQ(run.output.find("file-secret"), std::string::npos);
+  EXPECT_NE(run.output.find("Feeds = off\nTimeZone = "), std::string::npos) << run.output;
+  EXPECT_NE(run.output.find("FeedDaysBack = 90\nFeedDaysAhead = 400\n"), std::string::npos);
 
   run = RunTidewell("config --config " + file, "TIDEWELL_WORKERS=7");
   EXPECT_EQ(run.status, 0) << run.output;

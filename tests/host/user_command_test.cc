@@ -279,3 +279,36 @@ TYPED_TEST(UserCommand, BadUsageExitsTwoWithTheUsage) {
 
 }  // namespace
 }  // namespace tidewell
+
+namespace tidewell {
+namespace {
+
+// tidewell user feed on both engines: the same address until --renew replaces it, only for an
+// account that exists; with --connection alone there is no PublicAddress, so the path.
+TYPED_TEST(UserCommand, FeedPrintsTheSameAddressUntilItIsRenewed) {
+  ASSERT_EQ(this->Add("alice", "Crew").status, 0);
+  CommandResult first = this->User({"feed", "ALICE"});
+  ASSERT_EQ(first.status, 0) << first.err;
+  EXPECT_TRUE(std::regex_match(first.out, std::regex("/feed/[0-9a-f]{32}\\.ics\n"))) << first.out;
+  EXPECT_EQ(first.err, "tidewell user: feeds are off: the address answers once the server runs "
+                       "with Feeds = on\n");
+  EXPECT_EQ(this->User({"feed", "alice"}).out, first.out);
+
+  CommandResult renewed = this->User({"feed", "alice", "--renew"});
+  ASSERT_EQ(renewed.status, 0) << renewed.err;
+  EXPECT_TRUE(std::regex_match(renewed.out, std::regex("/feed/[0-9a-f]{32}\\.ics\n")));
+  EXPECT_NE(renewed.out, first.out);
+  EXPECT_NE(renewed.err.find("replaced the feed address of alice; the old one no longer answers"),
+            std::string::npos)
+      << renewed.err;
+  EXPECT_EQ(this->User({"feed", "alice"}).out, renewed.out);
+
+  CommandResult unknown = this->User({"feed", "zed"});
+  EXPECT_EQ(unknown.status, 1);
+  EXPECT_EQ(unknown.err, "tidewell user: there is no user named zed. Nothing was changed.\n");
+  EXPECT_EQ(this->User({"feed"}).status, 2);
+  EXPECT_EQ(this->User({"feed", "alice", "--force"}).status, 2);
+}
+
+}  // namespace
+}  // namespace tidewell
