@@ -3,6 +3,8 @@
 #include <map>
 #include <optional>
 #include <set>
+#include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -12,6 +14,7 @@
 #include "data/recordset.h"
 #include "data/statement.h"
 #include "data/transaction.h"
+#include "feeds/feed_calendar.h"
 #include "runtime/conversions.h"
 #include "runtime/dates.h"
 
@@ -143,8 +146,13 @@ ItemRow ItemOfInstance(const EventInstance& instance, std::string_view owner_key
   item.date = DateSerial(instance.start.year, instance.start.month, instance.start.day);
   item.hour = instance.all_day ? start_hour : instance.start.hour;
   item.time_text = ItemTimeText(item.hour, instance.all_day ? 0 : instance.start.minute);
+  // A summary that starts with the mark our own feeds give complete items is a complete item,
+  // so that a feed imported into another calendar of ours keeps what was done.
+  std::string_view summary = instance.summary;
+  item.complete = summary.starts_with(kCompleteMark);
+  if (item.complete) summary.remove_prefix(kCompleteMark.size());
   bool cut = false;
-  item.heading = WithinLimit(OnOneLine(instance.summary), kHeadingMaxCharacters, cut);
+  item.heading = WithinLimit(OnOneLine(summary), kHeadingMaxCharacters, cut);
   cuts.headings += cut;
   item.description =
       WithinLimit(WithFormLineEnds(instance.description), kDescriptionMaxCharacters, cut);

@@ -84,6 +84,20 @@ TEST(InstanceItem, AHeadingIsOneLine) {
   EXPECT_EQ(ItemOfInstance(instance, kOwner, 8, cuts).heading, "Tide and wind");
 }
 
+// Our own feeds mark a complete item's summary; the mark makes a complete item again.
+TEST(InstanceItem, TheFeedsCompleteMarkMakesACompleteItem) {
+  ItemCuts cuts;
+  EventInstance done = Instance({2026, 11, 24, 9, 0, 0});
+  done.summary = "\u2713 Caulk the hull";
+  const ItemRow item = ItemOfInstance(done, kOwner, 8, cuts);
+  EXPECT_TRUE(item.complete);
+  EXPECT_EQ(item.heading, "Caulk the hull");
+  EventInstance open = Instance({2026, 11, 24, 9, 0, 0});
+  open.summary = "Caulk \u2713 the hull";
+  EXPECT_FALSE(ItemOfInstance(open, kOwner, 8, cuts).complete);
+  EXPECT_EQ(ItemOfInstance(open, kOwner, 8, cuts).heading, "Caulk \u2713 the hull");
+}
+
 TEST(InstanceItem, TheSummaryLineCountsEveryReason) {
   ImportReport report;
   report.user_name = "alice";

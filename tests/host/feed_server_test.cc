@@ -141,6 +141,22 @@ class FeedServer : public ::testing::Test {
     return "tidewell-item-" + std::to_string(item_id) + "@" + run.out.substr(0, 32);
   }
 
+  // An account's items as the database holds them, each a line of its columns but the owner,
+  // in the order of date, hour and heading.
+  std::vector<std::string> ItemsOf(const std::string& owner_key) {
+    testing::CommandResult run = testing::RunBinary(
+        "/usr/bin/python3",
+        {"-c",
+         "import sqlite3,sys\n"
+         "rows = sqlite3.connect(sys.argv[1]).execute('SELECT DateStamp, TimeStamp, TimeText, "
+         "Heading, Description, Urgent, Complete FROM Items WHERE OwnerKey = ? ORDER BY "
+         "DateStamp, TimeStamp, Heading', (sys.argv[2],))\n"
+         "for row in rows: print(repr(row))",
+         database_.folder() + "/calendar.db", owner_key});
+    EXPECT_EQ(run.status, 0) << run.err;
+    return Lines(run.out);
+  }
+
   testing::SeededDatabase database_;
   std::unique_ptr<testing::CalendarData> data_;
   std::string bob_, carla_, dora_;
@@ -350,6 +366,36 @@ TEST_F(FeedServer, WithFeedsOffThereIsNoFeedAndNoRow) {
   ASSERT_NE(options.find("<!-- UserOptionsView  Start -->"), std::string::npos) << options;
   EXPECT_EQ(options.find("Calendar Feed"), std::string::npos);
   EXPECT_EQ(options.find("feedaction"), std::string::npos);
+}
+
+// A feed imported into another account makes the same items: day, hour, time text, heading,
+// description (line ends as the form posts them), urgent and complete, across the night the
+// clocks go forward; importing it again adds nothing.
+TEST_F(FeedServer, AFeedImportedIntoAnotherAccountMakesTheSameItems) {
+  AddItem(bob_, DateSerial(2026, 3, 12), 7, "07:15", "Tide table, \"spring\"; check",
+          "Line one\r\nLine two, with a ; and a \\", /*urgent=*/true);
+  AddItem(bob_, DateSerial(2026, 3, 28), 23, "23:45", "Night watch \u00e9\u00e8\u4e2d\u6587");
+  AddItem(bob_, DateSerial(2026, 3, 30), 14, "14:00", "Caulk the hull", "", false,
+          /*complete=*/true);
+  AddItem(bob_, DateSerial(2026, 4, 9), 0, "00:05", "Last day, first minute", "", true, true);
+  Start();
+  const std::string feed_file = database_.folder() + "/bob.ics";
+  std::ofstream(feed_file, std::ios::binary) << Fetch(FeedPath("bob"))->body;
+
+  const auto import = [&] {
+    return testing::RunBinary("/usr/bin/env", {kNow, TIDEWELL_BINARY, "import", "--user", "dora",
+                                               feed_file, "--config", config_});
+  };
+  testing::CommandResult first = import();
+  EXPECT_EQ(first.status, 0) << first.err;
+  EXPECT_EQ(first.out, "tidewell import: imported 4 items for dora; skipped 0\n") << first.err;
+  EXPECT_EQ(ItemsOf(dora_), ItemsOf(bob_));
+  EXPECT_EQ(ItemsOf(bob_).size(), 4u);
+
+  testing::CommandResult again = import();
+  EXPECT_EQ(again.status, 0) << again.err;
+  EXPECT_EQ(again.out, "tidewell import: imported 0 items for dora; skipped 4 (4 already imported)\n");
+  EXPECT_EQ(ItemsOf(dora_).size(), 4u);
 }
 
 }  // namespace
