@@ -139,9 +139,9 @@ std::string Counted(long count, const char* one, const char* many) {
 
 }  // namespace
 
-ItemRow ItemOfInstance(const EventInstance& instance, std::string_view owner_key,
+ItemRecord ItemOfInstance(const EventInstance& instance, std::string_view owner_key,
                        long start_hour, ItemCuts& cuts) {
-  ItemRow item;
+  ItemRecord item;
   item.owner_key = owner_key;
   item.date = DateSerial(instance.start.year, instance.start.month, instance.start.day);
   item.hour = instance.all_day ? start_hour : instance.start.hour;

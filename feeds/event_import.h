@@ -6,7 +6,7 @@
 
 #include "data/connection.h"
 #include "feeds/calendar_events.h"
-#include "items/item_rows.h"
+#include "items/item_records.h"
 
 namespace tidewell {
 
@@ -26,7 +26,7 @@ struct ItemCuts {
   long headings = 0;
   long descriptions = 0;
 };
-ItemRow ItemOfInstance(const EventInstance& instance, std::string_view owner_key,
+ItemRecord ItemOfInstance(const EventInstance& instance, std::string_view owner_key,
                        long start_hour, ItemCuts& cuts);
 
 // What an import did.

@@ -49,7 +49,8 @@ bool IsPlainHost(std::string_view host) {
 
 std::string RequestOrigin(const SiteConfig& config, const HttpRequest& request) {
   std::string_view scheme = "http";
-  std::string_view host = Trimmed(request.Header("Host"));
+  const std::string host_header = request.Header("Host");  // kept: `host` looks into it
+  std::string_view host = Trimmed(host_header);
   const std::string forwarded_proto = request.Header("X-Forwarded-Proto");
   const std::string forwarded_host = request.Header("X-Forwarded-Host");
   if (NetworksContain(config.trusted_proxies, request.peer_address)) {

@@ -7,7 +7,7 @@
 #include "data/open_database.h"
 #include "data/recordset.h"
 #include "data/statement.h"
-#include "items/item_rows.h"
+#include "items/item_records.h"
 #include "runtime/automation_error.h"
 #include "runtime/conversions.h"
 #include "runtime/dates.h"
@@ -20,7 +20,7 @@ using ado::Statement;
 
 // --- Statements ---
 //
-// Each statement that reaches an existing item names its owner too (items/item_rows.h): the
+// Each statement that reaches an existing item names its owner too (items/item_records.h): the
 // item id comes from the link, which anybody can edit, the owner from the checked key of the
 // calendar shown.
 
@@ -36,8 +36,8 @@ Statement DeleteOwnItemStatement(long item_id, std::string_view owner_key) {
 // The fields as the columns take them. The hour goes through the run time's CLng, so an hour
 // that is no number fails the action like any other run-time error in it. A date with a time
 // of day keeps only its day: the views find items by day.
-ItemRow ReadPostedItem(const Page& page) {
-  ItemRow item;
+ItemRecord ReadPostedItem(const Page& page) {
+  ItemRecord item;
   item.owner_key = page.FormValue("ownerkey");
   item.date = DateOnly(CDate(page.FormValue("datestamp")));
   item.hour = CLng(page.FormValue("timestamp"));
@@ -86,7 +86,7 @@ ItemFormValues ReadItem(Recordset& rs) {
 
 // --- The actions ---
 
-void AddItem(Page& page, const ItemRow& item) {
+void AddItem(Page& page, const ItemRecord& item) {
   page.CurrentDate = item.date;
   const bool from_a_view =
       page.ReturnView >= screens::kMonthView && page.ReturnView <= screens::kTimeView;
@@ -96,7 +96,7 @@ void AddItem(Page& page, const ItemRow& item) {
   InsertItem(*page.Connection, item);
 }
 
-void UpdateItem(Page& page, const ItemRow& item) {
+void UpdateItem(Page& page, const ItemRecord& item) {
   page.CurrentHour = item.hour;
   page.Screen = screens::kTimeView;
 
@@ -125,7 +125,7 @@ void RejectDate(Page& page) {
 
 void RunAction(Page& page, std::string_view action) {
   if (action == "d") return DeleteItem(page);
-  ItemRow item = ReadPostedItem(page);
+  ItemRecord item = ReadPostedItem(page);
   item.owner_key = ChosenOwner(page, item.owner_key);
   if (action == "a") AddItem(page, item);
   if (action == "u") UpdateItem(page, item);

@@ -23,7 +23,7 @@ EventInstance Instance(WallTime start, bool all_day = false) {
 
 TEST(InstanceItem, TimedInstanceTakesItsDayHourAndMinuteAsTheFormWritesThem) {
   ItemCuts cuts;
-  ItemRow item = ItemOfInstance(Instance({2026, 11, 24, 9, 5, 0}), kOwner, 8, cuts);
+  ItemRecord item = ItemOfInstance(Instance({2026, 11, 24, 9, 5, 0}), kOwner, 8, cuts);
   EXPECT_EQ(item.owner_key, kOwner);
   EXPECT_EQ(item.date, DateSerial(2026, 11, 24));
   EXPECT_EQ(item.hour, 9);
@@ -37,7 +37,7 @@ TEST(InstanceItem, TimedInstanceTakesItsDayHourAndMinuteAsTheFormWritesThem) {
 
 TEST(InstanceItem, AllDayInstanceTakesTheStartHourAtMinuteZero) {
   ItemCuts cuts;
-  ItemRow item = ItemOfInstance(Instance({2026, 11, 26, 0, 0, 0}, true), kOwner, 7, cuts);
+  ItemRecord item = ItemOfInstance(Instance({2026, 11, 26, 0, 0, 0}, true), kOwner, 7, cuts);
   EXPECT_EQ(item.date, DateSerial(2026, 11, 26));
   EXPECT_EQ(item.hour, 7);
   EXPECT_EQ(item.time_text, "07:00");
@@ -61,7 +61,7 @@ TEST(InstanceItem, TextsAreTrimmedAndCutToTheFormsLengthsInCharacters) {
   instance.summary = "  " + std::string(49, 'a') + "\xC3\xA9" + "bcd  ";
   instance.description = std::string(250, 'x') + "\n" + std::string(10, 'y');
   ItemCuts cuts;
-  ItemRow item = ItemOfInstance(instance, kOwner, 8, cuts);
+  ItemRecord item = ItemOfInstance(instance, kOwner, 8, cuts);
   EXPECT_EQ(item.heading, std::string(49, 'a') + "\xC3\xA9");
   // 250, CR LF (two characters) and three of the ten.
   EXPECT_EQ(item.description, std::string(250, 'x') + "\r\n" + "yyy");
@@ -89,7 +89,7 @@ TEST(InstanceItem, TheFeedsCompleteMarkMakesACompleteItem) {
   ItemCuts cuts;
   EventInstance done = Instance({2026, 11, 24, 9, 0, 0});
   done.summary = "\u2713 Caulk the hull";
-  const ItemRow item = ItemOfInstance(done, kOwner, 8, cuts);
+  const ItemRecord item = ItemOfInstance(done, kOwner, 8, cuts);
   EXPECT_TRUE(item.complete);
   EXPECT_EQ(item.heading, "Caulk the hull");
   EventInstance open = Instance({2026, 11, 24, 9, 0, 0});

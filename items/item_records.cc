@@ -1,4 +1,4 @@
-#include "items/item_rows.h"
+#include "items/item_records.h"
 
 #include "runtime/conversions.h"
 
@@ -26,7 +26,7 @@ ado::Statement OwnItemStatement(long item_id, std::string_view owner_key) {
       .Text(owner_key);
 }
 
-void AssignItemColumns(ado::Recordset& rs, const ItemRow& item) {
+void AssignItemColumns(ado::Recordset& rs, const ItemRecord& item) {
   rs.Fields("OwnerKey").SetValue(item.owner_key);
   rs.Fields("DateStamp").SetValue(item.date);
   rs.Fields("TimeStamp").SetValue(item.hour);
@@ -35,7 +35,7 @@ void AssignItemColumns(ado::Recordset& rs, const ItemRow& item) {
   rs.Fields("Description").SetValue(item.description);
 }
 
-long InsertItem(ado::Connection& connection, const ItemRow& item) {
+long InsertItem(ado::Connection& connection, const ItemRecord& item) {
   ado::Recordset rs;
   rs.Open(ItemsTable(), connection, ado::adOpenDynamic, ado::adLockOptimistic);
   rs.AddNew();

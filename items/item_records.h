@@ -20,7 +20,7 @@ inline constexpr size_t kHeadingMaxCharacters = 50;
 inline constexpr size_t kDescriptionMaxCharacters = 255;
 
 // One item's columns.
-struct ItemRow {
+struct ItemRecord {
   std::string owner_key;
   Date date;              // the day alone: the views find items by day
   long hour = 0;          // TimeStamp, 0 to 23
@@ -41,10 +41,10 @@ ado::Statement OwnItemStatement(long item_id, std::string_view owner_key);
 
 // Assigns the columns every write assigns (owner, date, hour, time text, heading,
 // description) to the recordset's current or new row; the flags are the caller's.
-void AssignItemColumns(ado::Recordset& rs, const ItemRow& item);
+void AssignItemColumns(ado::Recordset& rs, const ItemRecord& item);
 
 // Adds the item as the form's "Add" does: the flags are written only when set, so unchecked
 // boxes leave the columns' default, false. Answers the ItemID the database gave it.
-long InsertItem(ado::Connection& connection, const ItemRow& item);
+long InsertItem(ado::Connection& connection, const ItemRecord& item);
 
 }  // namespace tidewell
