@@ -116,14 +116,18 @@ std::optional<std::string> FeedAddressStart(const SiteConfig& config, const Page
   return origin + FeedPathStart(page.path);
 }
 
-FeedEndpoint::FeedEndpoint(const SiteConfig& config) : config_(config) {}
+FeedEndpoint::FeedEndpoint(const SiteConfig& config) : on_(config.feeds) {
+  if (!on_) return;
+  for (const PageConfig& page : config.pages) {
+    pages_.push_back({FeedPathStart(page.path), SourceOf(config, page)});
+  }
+}
 
 std::optional<HttpAnswer> FeedEndpoint::Answer(const HttpRequest& request) const {
-  if (!config_.feeds) return std::nullopt;
-  for (const PageConfig& page : config_.pages) {
-    const std::string start = FeedPathStart(page.path);
-    if (!request.path.starts_with(start)) continue;
-    std::string_view name = std::string_view(request.path).substr(start.size());
+  if (!on_) return std::nullopt;
+  for (const PageFeeds& page : pages_) {
+    if (!request.path.starts_with(page.path_start)) continue;
+    std::string_view name = std::string_view(request.path).substr(page.path_start.size());
     if (name.find('/') != std::string_view::npos) continue;
     if (request.method != "GET" && request.method != "HEAD") {
       HttpAnswer answer = PlainAnswer(405, "Method not allowed.\n");
@@ -133,7 +137,7 @@ std::optional<HttpAnswer> FeedEndpoint::Answer(const HttpRequest& request) const
     std::optional<FeedDocument> feed;
     if (name.ends_with(kFeedSuffix)) {
       name.remove_suffix(kFeedSuffix.size());
-      feed = ReadFeed(SourceOf(config_, page), name, ClockUnixSeconds());
+      feed = ReadFeed(page.source, name, ClockUnixSeconds());
     }
     if (!feed) return PlainAnswer(404, "Not found.\n");
     return FeedAnswer(request, std::move(*feed));

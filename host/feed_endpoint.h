@@ -3,7 +3,9 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "feeds/feed_document.h"
 #include "host/config.h"
 #include "host/http_server.h"
 
@@ -32,7 +34,14 @@ class FeedEndpoint {
   std::optional<HttpAnswer> Answer(const HttpRequest& request) const;
 
  private:
-  const SiteConfig& config_;
+  // A page's feeds: where their paths start and the database and window they are read from,
+  // worked out once from the configuration rather than for every request.
+  struct PageFeeds {
+    std::string path_start;
+    FeedSource source;
+  };
+  bool on_;
+  std::vector<PageFeeds> pages_;
 };
 
 // Where the feed addresses of `page` start, as the user options screen shows them: the
