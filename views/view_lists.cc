@@ -75,10 +75,10 @@ void ViewLists::ReadAll() {
     const auto cell = cell_of.find(key);
     if (cell == cell_of.end()) continue;  // cannot happen: every row met one cell's condition
     DayList& list = lists_[cell->second];
-    // A cell's own statement stops at `fetched` rows and shows the first `shown`.
-    if (++fetched[cell->second] > limit.fetched) continue;
+    // The statement keeps a cell's first `fetched` rows (KeepPerKey); the list shows the first
+    // `shown` and tells of more when it was given all `fetched`.
     if (static_cast<long>(list.rows.size()) < limit.shown) list.rows.push_back(reader.Read());
-    list.more = fetched[cell->second] >= limit.fetched;
+    list.more = ++fetched[cell->second] >= limit.fetched;
   }
   rs.Close();
 }
