@@ -2,7 +2,7 @@
 
 #include <optional>
 
-#include "component/page.h"
+#include "page/page.h"
 #include "frame/markup.h"
 #include "runtime/automation_error.h"
 #include "runtime/conversions.h"

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "component/page.h"
+#include "page/page.h"
 #include "frame/help_page.h"
 #include "frame/markup.h"
 

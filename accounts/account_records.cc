@@ -1,7 +1,7 @@
 #include "accounts/account_records.h"
 
 #include "accounts/account_statements.h"
-#include "component/link_keys.h"
+#include "page/link_keys.h"
 #include "data/database_error.h"
 #include "data/recordset.h"
 #include "data/statement.h"

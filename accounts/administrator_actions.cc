@@ -7,10 +7,10 @@
 #include "accounts/account_updates.h"
 #include "accounts/administrator_check.h"
 #include "accounts/login.h"
-#include "component/page.h"
+#include "page/page.h"
 #include "data/connection.h"
 #include "data/database_error.h"
-#include "data/open_database.h"
+#include "errors/database_errors.h"
 
 namespace tidewell {
 namespace {

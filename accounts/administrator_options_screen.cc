@@ -6,8 +6,8 @@
 
 #include "accounts/account_form.h"
 #include "accounts/password_fields.h"
-#include "component/page.h"
-#include "component/screen_links.h"
+#include "page/page.h"
+#include "page/screen_links.h"
 #include "frame/markup.h"
 #include "runtime/conversions.h"
 #include "views/item_list.h"

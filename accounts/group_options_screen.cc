@@ -3,8 +3,8 @@
 #include <string>
 #include <string_view>
 
-#include "component/page.h"
-#include "component/screen_links.h"
+#include "page/page.h"
+#include "page/screen_links.h"
 #include "frame/markup.h"
 #include "views/item_list.h"
 

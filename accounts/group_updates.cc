@@ -6,8 +6,8 @@
 
 #include "accounts/account_statements.h"
 #include "accounts/administrator_check.h"
-#include "component/page.h"
-#include "data/open_database.h"
+#include "page/page.h"
+#include "errors/database_errors.h"
 #include "data/recordset.h"
 #include "data/statement.h"
 #include "frame/markup.h"

@@ -4,9 +4,9 @@
 #include <string>
 #include <string_view>
 
-#include "component/link_keys.h"
-#include "component/page.h"
-#include "data/open_database.h"
+#include "page/link_keys.h"
+#include "page/page.h"
+#include "errors/database_errors.h"
 #include "data/recordset.h"
 #include "data/statement.h"
 #include "runtime/conversions.h"

@@ -6,7 +6,7 @@ struct Page;
 
 // The second half of the key check. The link state (component/link_state.h) accepts a key
 // that is well formed and unexpired; its mac is signed over a stamp of the account it names
-// (component/link_keys.h), so only the database can confirm it. A key whose account is gone,
+// (page/link_keys.h), so only the database can confirm it. A key whose account is gone,
 // or whose password changed since the link was signed, fails here, before any posted action
 // runs: such a request writes nothing.
 

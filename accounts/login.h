@@ -8,10 +8,10 @@ namespace tidewell {
 struct Page;
 
 // Who is working. Signing in leaves nothing on the server: the user's key travels, signed, in
-// every link (component/link_keys.h), and every request loads the user it names again.
+// every link (page/link_keys.h), and every request loads the user it names again.
 //
 // Each reads through the request's open connection. A statement that fails becomes the
-// request's pending error with the error screen (data/open_database.h), as any database
+// request's pending error with the error screen (errors/database_errors.h), as any database
 // trouble does.
 
 // Where a login's name and password come from.

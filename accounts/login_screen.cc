@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "component/link_codec.h"
-#include "component/page.h"
+#include "page/link_codec.h"
+#include "page/page.h"
 #include "frame/markup.h"
 
 namespace tidewell {

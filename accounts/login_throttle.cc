@@ -1,7 +1,7 @@
 #include "accounts/login_throttle.h"
 
-#include "component/link_keys.h"
-#include "component/page.h"
+#include "page/link_keys.h"
+#include "page/page.h"
 #include "data/recordset.h"
 #include "data/statement.h"
 #include "runtime/conversions.h"

@@ -1,8 +1,8 @@
 #include "accounts/password_fields.h"
 
 #include "accounts/password_hash.h"
-#include "component/link_keys.h"
-#include "component/page.h"
+#include "page/link_keys.h"
+#include "page/page.h"
 
 namespace tidewell {
 namespace {

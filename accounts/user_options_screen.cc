@@ -5,8 +5,8 @@
 
 #include "accounts/account_form.h"
 #include "accounts/password_fields.h"
-#include "component/page.h"
-#include "component/screen_links.h"
+#include "page/page.h"
+#include "page/screen_links.h"
 #include "frame/markup.h"
 
 namespace tidewell {

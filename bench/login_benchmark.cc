@@ -10,7 +10,7 @@
 #include <string>
 
 #include "accounts/password_hash.h"
-#include "component/asp_objects.h"
+#include "page/asp_objects.h"
 #include "component/asp_tidewell.h"
 #include "data/schema.h"
 #include "data/session.h"

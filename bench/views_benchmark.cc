@@ -20,10 +20,10 @@
 #include <stdexcept>
 #include <string>
 
-#include "component/asp_objects.h"
+#include "page/asp_objects.h"
 #include "component/asp_tidewell.h"
-#include "component/link_codec.h"
-#include "component/link_keys.h"
+#include "page/link_codec.h"
+#include "page/link_keys.h"
 #include "data/connection.h"
 #include "data/statement.h"
 #include "data/schema.h"

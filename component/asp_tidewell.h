@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "component/asp_objects.h"
-#include "component/page.h"
+#include "page/asp_objects.h"
+#include "page/page.h"
 #include "runtime/variant.h"
 
 namespace tidewell {

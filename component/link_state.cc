@@ -3,9 +3,9 @@
 #include <string>
 
 #include "accounts/key_check.h"
-#include "component/link_codec.h"
-#include "component/link_keys.h"
-#include "component/page.h"
+#include "page/link_codec.h"
+#include "page/link_keys.h"
+#include "page/page.h"
 #include "runtime/automation_error.h"
 #include "runtime/clock.h"
 #include "runtime/conversions.h"

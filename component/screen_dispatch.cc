@@ -6,7 +6,7 @@
 #include "accounts/login_screen.h"
 #include "accounts/user_options_screen.h"
 #include "accounts/welcome_screen.h"
-#include "data/error_screen.h"
+#include "errors/error_screen.h"
 #include "items/item_form.h"
 #include "items/item_help.h"
 #include "search/search_help.h"

@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "component/page.h"
+#include "page/page.h"
 
 namespace tidewell {
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "component/properties.h"
+#include "data/dialect.h"
 #include "data/rows_per_key.h"
 #include "runtime/variant.h"
 

@@ -6,7 +6,7 @@
 #include <set>
 #include <tuple>
 
-#include "component/link_keys.h"
+#include "page/link_keys.h"
 #include "feeds/calendar_text.h"
 
 namespace tidewell {

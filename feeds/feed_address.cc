@@ -1,9 +1,9 @@
 #include "feeds/feed_address.h"
 
 #include "accounts/user_options_screen.h"
-#include "component/page.h"
+#include "page/page.h"
 #include "data/database_error.h"
-#include "data/open_database.h"
+#include "errors/database_errors.h"
 #include "feeds/feed_tokens.h"
 #include "feeds/site_time_zone.h"
 

@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "accounts/user_options.h"
-#include "component/link_keys.h"
+#include "page/link_keys.h"
 #include "data/connection.h"
 #include "data/recordset.h"
 #include "data/site_settings.h"

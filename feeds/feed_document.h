@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "component/properties.h"
+#include "page/properties.h"
 #include "feeds/site_time_zone.h"
 
 namespace tidewell {

@@ -1,6 +1,6 @@
 #include "feeds/feed_tokens.h"
 
-#include "component/link_keys.h"
+#include "page/link_keys.h"
 #include "data/connection.h"
 #include "data/recordset.h"
 #include "data/statement.h"

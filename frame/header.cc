@@ -2,9 +2,9 @@
 
 #include <string>
 
-#include "component/link_codec.h"
-#include "component/page.h"
-#include "component/screen_links.h"
+#include "page/link_codec.h"
+#include "page/page.h"
+#include "page/screen_links.h"
 #include "runtime/clock.h"
 
 namespace tidewell {

@@ -1,6 +1,6 @@
 #include "frame/help_page.h"
 
-#include "component/page.h"
+#include "page/page.h"
 #include "frame/markup.h"
 
 namespace tidewell {

@@ -2,8 +2,8 @@
 
 #include <span>
 
-#include "component/page.h"
-#include "component/screen_links.h"
+#include "page/page.h"
+#include "page/screen_links.h"
 #include "runtime/strings.h"
 
 namespace tidewell {

@@ -1,7 +1,7 @@
 #include "host/component_host.h"
 
 #include "component/asp_tidewell.h"
-#include "component/property_table.h"
+#include "page/property_table.h"
 #include "host/page_template.h"
 #include "runtime/automation_error.h"
 

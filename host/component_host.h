@@ -3,9 +3,9 @@
 #include <optional>
 #include <string>
 
-#include "component/asp_objects.h"
-#include "component/link_keys.h"
-#include "component/page.h"
+#include "page/asp_objects.h"
+#include "page/link_keys.h"
+#include "page/page.h"
 #include "host/config.h"
 
 namespace tidewell {

@@ -9,8 +9,8 @@
 #include <string_view>
 #include <thread>
 
-#include "component/properties.h"
-#include "component/property_table.h"
+#include "page/properties.h"
+#include "page/property_table.h"
 #include "feeds/site_time_zone.h"
 #include "host/page_template.h"
 #include "runtime/automation_error.h"

@@ -2,8 +2,8 @@
 
 #include <ctime>
 
-#include "component/properties.h"
-#include "component/property_table.h"
+#include "page/properties.h"
+#include "page/property_table.h"
 #include "feeds/feed_document.h"
 #include "feeds/site_time_zone.h"
 

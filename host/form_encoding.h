@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-#include "component/asp_objects.h"
+#include "page/asp_objects.h"
 
 namespace tidewell {
 

@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-#include "component/asp_objects.h"
+#include "page/asp_objects.h"
 #include "host/http_server.h"
 
 namespace tidewell {

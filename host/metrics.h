@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "component/page.h"
+#include "page/page.h"
 #include "data/session.h"
 
 namespace tidewell {

@@ -5,7 +5,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "component/asp_objects.h"
+#include "page/asp_objects.h"
 #include "host/commands.h"
 #include "host/component_host.h"
 #include "host/feed_endpoint.h"

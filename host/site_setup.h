@@ -3,7 +3,7 @@
 #include <memory>
 #include <string>
 
-#include "component/link_keys.h"
+#include "page/link_keys.h"
 #include "host/config.h"
 #include "host/site_signing.h"
 #include "host/static_assets.h"

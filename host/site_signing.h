@@ -5,7 +5,7 @@
 #include <mutex>
 #include <string>
 
-#include "component/link_keys.h"
+#include "page/link_keys.h"
 #include "host/config.h"
 
 namespace tidewell {

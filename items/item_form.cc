@@ -3,10 +3,10 @@
 #include <optional>
 #include <string>
 
-#include "component/link_codec.h"
-#include "component/page.h"
-#include "component/screen_links.h"
-#include "data/error_screen.h"
+#include "page/link_codec.h"
+#include "page/page.h"
+#include "page/screen_links.h"
+#include "errors/error_screen.h"
 #include "frame/markup.h"
 #include "items/item_updates.h"
 #include "runtime/conversions.h"

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "component/page.h"
+#include "page/page.h"
 #include "frame/help_page.h"
 
 namespace tidewell {

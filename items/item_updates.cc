@@ -2,9 +2,9 @@
 
 #include "accounts/account_statements.h"
 #include "accounts/administrator_check.h"
-#include "component/link_keys.h"
-#include "component/page.h"
-#include "data/open_database.h"
+#include "page/link_keys.h"
+#include "page/page.h"
+#include "errors/database_errors.h"
 #include "data/recordset.h"
 #include "data/statement.h"
 #include "items/item_records.h"

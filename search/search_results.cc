@@ -3,9 +3,9 @@
 #include <optional>
 #include <string>
 
-#include "component/link_codec.h"
-#include "component/page.h"
-#include "data/open_database.h"
+#include "page/link_codec.h"
+#include "page/page.h"
+#include "errors/database_errors.h"
 #include "data/recordset.h"
 #include "frame/markup.h"
 #include "runtime/automation_error.h"

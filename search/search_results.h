@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-#include "component/properties.h"
+#include "page/properties.h"
 #include "data/statement.h"
 #include "runtime/variant.h"
 #include "search/search_scope.h"

@@ -1,7 +1,7 @@
 #include "search/search_scope.h"
 
-#include "component/link_keys.h"
-#include "component/page.h"
+#include "page/link_keys.h"
+#include "page/page.h"
 #include "data/recordset.h"
 #include "runtime/conversions.h"
 #include "views/item_list_statements.h"

@@ -2,9 +2,9 @@
 
 #include <string>
 
-#include "component/link_codec.h"
-#include "component/page.h"
-#include "component/screen_links.h"
+#include "page/link_codec.h"
+#include "page/page.h"
+#include "page/screen_links.h"
 #include "frame/markup.h"
 #include "runtime/conversions.h"
 #include "views/item_list.h"

@@ -2,10 +2,10 @@
 
 #include <string>
 
-#include "component/date_helpers.h"
-#include "component/link_codec.h"
-#include "component/page.h"
-#include "component/screen_links.h"
+#include "page/date_helpers.h"
+#include "page/link_codec.h"
+#include "page/page.h"
+#include "page/screen_links.h"
 #include "runtime/clock.h"
 #include "runtime/conversions.h"
 #include "runtime/dates.h"

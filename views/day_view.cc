@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
-#include "component/link_codec.h"
-#include "component/page.h"
+#include "page/link_codec.h"
+#include "page/page.h"
 #include "frame/markup.h"
 #include "runtime/clock.h"
 #include "runtime/conversions.h"

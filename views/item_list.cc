@@ -2,8 +2,8 @@
 
 #include <optional>
 
-#include "component/page.h"
-#include "data/open_database.h"
+#include "page/page.h"
+#include "errors/database_errors.h"
 #include "data/recordset.h"
 #include "runtime/automation_error.h"
 #include "runtime/conversions.h"

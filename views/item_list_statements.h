@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "component/properties.h"
+#include "page/properties.h"
 #include "data/statement.h"
 #include "runtime/variant.h"
 

@@ -1,6 +1,6 @@
 #include "views/option_lists.h"
 
-#include "component/page.h"
+#include "page/page.h"
 #include "data/recordset.h"
 #include "data/statement.h"
 #include "frame/markup.h"

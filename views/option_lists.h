@@ -13,7 +13,7 @@ struct Page;
 // A user's entry is "<option " (or "<option selected ") + "class=admin" for an administrator,
 // "class=text" for anyone else, + " value=" OwnerKey " >" GroupName " - " Username
 // "</option>"; a group's is "<option class=text value=" GroupID " >" GroupName "</option>".
-// Keys stand bare: a bare key opens no calendar (component/link_keys.h).
+// Keys stand bare: a bare key opens no calendar (page/link_keys.h).
 
 // Mode 4, the item form's owners: the current user alone, or every user while an
 // administrator works on the calendar (the request carries his key); the current user's entry

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "component/page.h"
+#include "page/page.h"
 #include "data/recordset.h"
 #include "data/statement.h"
 #include "runtime/conversions.h"

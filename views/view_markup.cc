@@ -1,6 +1,6 @@
 #include "views/view_markup.h"
 
-#include "component/page.h"
+#include "page/page.h"
 #include "runtime/conversions.h"
 #include "runtime/dates.h"
 #include "runtime/regional_settings.h"

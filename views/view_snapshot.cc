@@ -1,6 +1,6 @@
 #include "views/view_snapshot.h"
 
-#include "component/page.h"
+#include "page/page.h"
 #include "data/database_error.h"
 
 namespace tidewell {

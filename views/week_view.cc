@@ -4,9 +4,9 @@
 #include <utility>
 #include <vector>
 
-#include "component/date_helpers.h"
-#include "component/link_codec.h"
-#include "component/page.h"
+#include "page/date_helpers.h"
+#include "page/link_codec.h"
+#include "page/page.h"
 #include "frame/markup.h"
 #include "runtime/clock.h"
 #include "runtime/conversions.h"

@@ -7,9 +7,9 @@
 
 #include "accounts/account_updates.h"
 #include "accounts/password_hash.h"
-#include "component/asp_objects.h"
-#include "component/link_keys.h"
-#include "component/page.h"
+#include "page/asp_objects.h"
+#include "page/link_keys.h"
+#include "page/page.h"
 #include "data/recordset.h"
 #include "data/statement.h"
 #include "runtime/conversions.h"

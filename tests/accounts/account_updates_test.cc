@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "component/link_keys.h"
+#include "page/link_keys.h"
 #include "tests/accounts/account_site.h"
 
 namespace tidewell {

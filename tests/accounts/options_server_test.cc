@@ -13,7 +13,7 @@
 #include <utility>
 #include <vector>
 
-#include "component/link_codec.h"
+#include "page/link_codec.h"
 #include "tests/component/site_visit.h"
 #include "tests/data/engines.h"
 #include "tests/host/server_process.h"

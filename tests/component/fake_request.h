@@ -3,9 +3,9 @@
 #include <memory>
 #include <string>
 
-#include "component/asp_objects.h"
+#include "page/asp_objects.h"
 #include "component/asp_tidewell.h"
-#include "component/link_codec.h"
+#include "page/link_codec.h"
 
 namespace tidewell::testing {
 

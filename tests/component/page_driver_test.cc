@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "component/link_keys.h"
+#include "page/link_keys.h"
 #include "component/link_state.h"
 #include "runtime/automation_error.h"
 #include "runtime/clock.h"

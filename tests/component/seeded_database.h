@@ -5,7 +5,7 @@
 #include <string>
 
 #include "accounts/password_hash.h"
-#include "component/link_keys.h"
+#include "page/link_keys.h"
 #include "data/connection.h"
 #include "data/recordset.h"
 #include "data/schema.h"

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "component/asp_tidewell.h"
-#include "component/link_codec.h"
+#include "page/link_codec.h"
 #include "runtime/clock.h"
 #include "runtime/dates.h"
 #include "runtime/strings.h"

@@ -12,7 +12,7 @@
 #include <functional>
 #include <string>
 
-#include "data/error_screen.h"
+#include "errors/error_screen.h"
 #include "data/session.h"
 #include "tests/component/fake_request.h"
 #include "tests/data/engines.h"

@@ -3,9 +3,9 @@
 
 #include <gtest/gtest.h>
 
-#include "component/page.h"
+#include "page/page.h"
 #include "component/screen_dispatch.h"
-#include "data/open_database.h"
+#include "errors/database_errors.h"
 #include "data/recordset.h"
 #include "runtime/conversions.h"
 #include "runtime/dates.h"

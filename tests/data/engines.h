@@ -8,7 +8,7 @@
 #include <filesystem>
 #include <string>
 
-#include "component/properties.h"
+#include "page/properties.h"
 #include "data/connection.h"
 #include "data/database_error.h"
 #include "data/schema.h"

@@ -7,10 +7,10 @@
 #include <string>
 #include <thread>
 
-#include "component/page.h"
+#include "page/page.h"
 #include "data/connection.h"
 #include "data/connection_string.h"
-#include "data/open_database.h"
+#include "errors/database_errors.h"
 #include "data/postgres_session.h"
 #include "data/recordset.h"
 #include "data/statement.h"

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "component/page.h"
-#include "data/open_database.h"
+#include "page/page.h"
+#include "errors/database_errors.h"
 #include "data/recordset.h"
 #include "data/session.h"
 #include "tests/data/engines.h"

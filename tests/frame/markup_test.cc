@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "component/page.h"
+#include "page/page.h"
 
 namespace tidewell {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "component/page.h"
+#include "page/page.h"
 #include "runtime/regional_settings.h"
 #include "tests/component/site_visit.h"
 #include "tests/data/golden.h"

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "component/link_codec.h"
+#include "page/link_codec.h"
 #include "host/config.h"
 
 namespace tidewell {

@@ -9,7 +9,7 @@
 #include <regex>
 #include <thread>
 
-#include "component/link_codec.h"
+#include "page/link_codec.h"
 #include "tests/host/server_process.h"
 
 namespace tidewell {

@@ -5,8 +5,8 @@
 
 #include <memory>
 
-#include "component/asp_objects.h"
-#include "component/page.h"
+#include "page/asp_objects.h"
+#include "page/page.h"
 #include "data/recordset.h"
 #include "data/statement.h"
 #include "items/item_updates.h"

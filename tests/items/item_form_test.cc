@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "component/page.h"
+#include "page/page.h"
 #include "tests/items/item_site.h"
 
 namespace tidewell {

@@ -7,7 +7,7 @@
 
 #include <map>
 
-#include "component/page.h"
+#include "page/page.h"
 #include "runtime/regional_settings.h"
 #include "tests/items/item_site.h"
 

@@ -6,8 +6,8 @@
 #include <memory>
 
 #include "accounts/password_hash.h"
-#include "component/asp_objects.h"
-#include "component/page.h"
+#include "page/asp_objects.h"
+#include "page/page.h"
 #include "data/recordset.h"
 #include "data/statement.h"
 #include "runtime/conversions.h"

@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "component/page.h"
+#include "page/page.h"
 #include "tests/search/search_site.h"
 
 namespace tidewell {

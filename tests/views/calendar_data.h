@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "accounts/password_hash.h"
-#include "component/link_keys.h"
+#include "page/link_keys.h"
 #include "data/connection.h"
 #include "data/recordset.h"
 #include "data/statement.h"

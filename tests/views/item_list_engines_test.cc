@@ -5,7 +5,7 @@
 
 #include <memory>
 
-#include "component/page.h"
+#include "page/page.h"
 #include "data/connection.h"
 #include "runtime/conversions.h"
 #include "runtime/dates.h"

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "component/asp_objects.h"
+#include "page/asp_objects.h"
 #include "tests/views/view_fixture.h"
 #include "views/item_list.h"
 #include "views/item_list_statements.h"

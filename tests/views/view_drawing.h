@@ -4,8 +4,8 @@
 #include <memory>
 #include <string>
 
-#include "component/link_keys.h"
-#include "component/page.h"
+#include "page/link_keys.h"
+#include "page/page.h"
 #include "data/connection.h"
 #include "data/session.h"
 #include "frame/header.h"

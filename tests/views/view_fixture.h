@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "component/page.h"
+#include "page/page.h"
 #include "data/connection.h"
 #include "frame/header.h"
 #include "runtime/conversions.h"

@@ -13,7 +13,7 @@
 #include <string>
 #include <vector>
 
-#include "component/page.h"
+#include "page/page.h"
 #include "data/connection.h"
 #include "runtime/clock.h"
 #include "runtime/dates.h"

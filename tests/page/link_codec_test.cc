@@ -1,10 +1,10 @@
-#include "component/link_codec.h"
+#include "page/link_codec.h"
 
 #include <gtest/gtest.h>
 
 #include <random>
 
-#include "component/page.h"
+#include "page/page.h"
 #include "runtime/automation_error.h"
 #include "runtime/dates.h"
 #include "runtime/regional_settings.h"

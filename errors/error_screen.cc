@@ -1,8 +1,8 @@
-#include "data/error_screen.h"
+#include "errors/error_screen.h"
 
 #include <string>
 
-#include "component/page.h"
+#include "page/page.h"
 #include "frame/markup.h"
 
 namespace tidewell {

@@ -1,12 +1,12 @@
-#include "component/link_codec.h"
+#include "page/link_codec.h"
 
 #include <array>
 #include <charconv>
 #include <cstring>
 #include <iterator>
 
-#include "component/link_keys.h"
-#include "component/page.h"
+#include "page/link_keys.h"
+#include "page/page.h"
 #include "runtime/automation_error.h"
 #include "runtime/conversions.h"
 

@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "component/asp_objects.h"
-#include "component/link_keys.h"
-#include "component/properties.h"
+#include "page/asp_objects.h"
+#include "page/link_keys.h"
+#include "page/properties.h"
 #include "data/connection.h"
 #include "runtime/variant.h"
 

@@ -2,10 +2,9 @@
 
 #include <string>
 
-namespace tidewell {
+#include "data/dialect.h"
 
-// Which SQL dialect the statements speak.
-enum class ASPDataServer : int { Access = 0, SQLServer = 1 };
+namespace tidewell {
 
 // The component's public properties with their defaults. The host page sets them by name
 // (property_table.h) after OnStartPage, as script did.

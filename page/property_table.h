@@ -3,7 +3,7 @@
 #include <string_view>
 #include <vector>
 
-#include "component/properties.h"
+#include "page/properties.h"
 #include "runtime/variant.h"
 
 namespace tidewell {

@@ -1,4 +1,4 @@
-#include "component/asp_objects.h"
+#include "page/asp_objects.h"
 
 #include "runtime/strings.h"
 

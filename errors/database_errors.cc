@@ -1,9 +1,9 @@
-#include "data/open_database.h"
+#include "errors/database_errors.h"
 
 #include <memory>
 #include <string>
 
-#include "component/page.h"
+#include "page/page.h"
 #include "data/connection.h"
 #include "frame/markup.h"
 

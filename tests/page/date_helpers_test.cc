@@ -1,4 +1,4 @@
-#include "component/date_helpers.h"
+#include "page/date_helpers.h"
 
 #include <gtest/gtest.h>
 

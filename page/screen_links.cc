@@ -1,7 +1,7 @@
-#include "component/screen_links.h"
+#include "page/screen_links.h"
 
-#include "component/link_codec.h"
-#include "component/page.h"
+#include "page/link_codec.h"
+#include "page/page.h"
 #include "runtime/conversions.h"
 
 namespace tidewell {

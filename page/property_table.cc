@@ -1,4 +1,4 @@
-#include "component/property_table.h"
+#include "page/property_table.h"
 
 #include <array>
 #include <string>

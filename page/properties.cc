@@ -1,4 +1,4 @@
-#include "component/properties.h"
+#include "page/properties.h"
 
 namespace tidewell {
 

@@ -1,10 +1,10 @@
-#include "data/error_screen.h"
+#include "errors/error_screen.h"
 
 #include <gtest/gtest.h>
 
-#include "component/page.h"
+#include "page/page.h"
 #include "data/database_error.h"
-#include "data/open_database.h"
+#include "errors/database_errors.h"
 #include "tests/data/golden.h"
 
 namespace tidewell {

@@ -1,4 +1,4 @@
-#include "component/link_keys.h"
+#include "page/link_keys.h"
 
 #include <openssl/crypto.h>
 #include <openssl/evp.h>
