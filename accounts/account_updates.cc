@@ -37,10 +37,9 @@ void CheckName(Page& page) {
   std::optional<NamedAccount> holder =
       FindAccountNamed(*page.Connection, page.FormValue("username"));
   if (!holder || !ClashesWith(page, holder->owner_key)) return;
-  page.ErrorFlag = true;
-  page.ErrorText = "<br>There is already a user named: " + EscapeHtml(holder->user_name) +
-                   ", Please choose another.";
-  page.ErrorKind = "U";
+  page.Error.Raise(ErrorKind::kUserNameTaken, "<br>There is already a user named: " +
+                                                  EscapeHtml(holder->user_name) +
+                                                  ", Please choose another.");
 }
 
 // CheckName after a write the unique index refused: whether the name clashes now.
@@ -50,7 +49,7 @@ bool RecheckName(Page& page) {
   } catch (const ado::DatabaseError&) {
     return false;
   }
-  return page.ErrorFlag;
+  return page.Error.Raised();
 }
 
 // Only an account that joins an existing group can clash: a new group has no members yet.
@@ -61,13 +60,13 @@ void CheckInitials(Page& page) {
   std::optional<InitialsHolder> holder = FindInitialsHolder(
       *page.Connection, page.FormValue("initials"), page.FormValue("groupid"), changing);
   if (!holder) return;
-  page.ErrorFlag = true;
-  page.ErrorText +=
+  page.Error.Text +=
       "<br>There is already a user with the initials: " + EscapeHtml(holder->initials) +
       " in the group: " + EscapeHtml(holder->group_name) +
       ".<br>The user is: " + EscapeHtml(holder->user_name) + ".";
-  // Kept beside a "U" of the name check, so that the form empties both fields.
-  page.ErrorKind += "I";
+  // Kept beside a refused name, so that the form empties both fields.
+  page.Error.Kind = NameWasTaken(page.Error.Kind) ? ErrorKind::kUserNameAndInitialsTaken
+                                                   : ErrorKind::kInitialsTaken;
 }
 
 // --- Writing ---
@@ -150,7 +149,7 @@ void StoreAccount(Page& page, AccountForm form) {
   if (form == AccountForm::kAdministratorOptions) {
     CheckName(page);
     CheckInitials(page);
-    if (page.ErrorFlag) return;
+    if (page.Error.Raised()) return;
     if (page.NewUserMode) return AddAccount(page);
   }
   ChangeAccount(page, form);

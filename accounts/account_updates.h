@@ -8,7 +8,7 @@ struct Page;
 
 // Storing the account forms and deleting accounts. Both write through the request's open
 // connection; a statement that fails (a value with a single quote among them: it is refused
-// before any engine sees it) becomes the pending "DP" error with the error screen, and what
+// before any engine sees it) becomes the pending kDatabaseRefused error with the error screen, and what
 // the failing step would have written stays unwritten.
 
 // Which form posted the account.
@@ -28,12 +28,13 @@ enum class AccountForm {
 //
 // The next screen is set first: the administrator options screen, or for the user's form the
 // default view stored for him. From the administrator form:
-//   - a name another account has (any account, in NewUserMode) is refused: ErrorFlag,
-//     ErrorKind "U", "<br>There is already a user named: <name>, Please choose another.";
+//   - a name another account has (any account, in NewUserMode) is refused:
+//     kUserNameTaken, "<br>There is already a user named: <name>, Please choose another.";
 //   - when the account joins an existing group (no "newgroup"), initials another member of
-//     that group has are refused: "I" is added to ErrorKind and "<br>There is already a user
-//     with the initials: <initials> in the group: <group>.<br>The user is: <name>." to the
-//     message. Both refusals may stand together (ErrorKind "UI"); nothing is written then.
+//     that group has are refused: kInitialsTaken, and "<br>There is already a user with the
+//     initials: <initials> in the group: <group>.<br>The user is: <name>." added to the
+//     message. Both refusals may stand together (kUserNameAndInitialsTaken); nothing is
+//     written then.
 // In NewUserMode (administrator form only) a new account is added under a fresh key, which
 // becomes UserKey; it is an administrator when the request carries "welcome" = "y". Otherwise
 // the account UserKey names is changed. A "newgroup" is created by name (an insert that fails,

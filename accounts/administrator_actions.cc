@@ -39,7 +39,7 @@ void RollBack(ado::Connection& connection) {
 void AddNewUser(Page& page) {
   page.NewUserMode = true;
   ProcessAccount(page, AccountForm::kAdministratorOptions);
-  page.NewUserMode = page.ErrorFlag;
+  page.NewUserMode = page.Error.Raised();
 }
 
 // The welcome screen's form makes the first account, and only while there is no
@@ -58,13 +58,13 @@ bool AddFirstAdministrator(Page& page) {
     TrapUpdateError(page, error);
     return Refuse(page);
   }
-  if (AdministratorExists(page) || page.ErrorFlag) {
+  if (AdministratorExists(page) || page.Error.Raised()) {
     RollBack(connection);
     return Refuse(page);
   }
   page.FirstAdministratorMode = true;
   AddNewUser(page);
-  if (page.ErrorFlag) {
+  if (page.Error.Raised()) {
     RollBack(connection);
   } else {
     try {

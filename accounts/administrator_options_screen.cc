@@ -72,8 +72,8 @@ std::string ShownAgain(const Page& page, const std::string& posted) {
 // After a refused post: everything as posted, but the name or the initials that clashed.
 AccountValues PostedAccount(const Page& page) {
   AccountValues values;
-  if (page.ErrorKind.find('U') == std::string::npos) values.username = page.FormValue("username");
-  if (page.ErrorKind.find('I') == std::string::npos) values.initials = page.FormValue("initials");
+  if (!NameWasTaken(page.Error.Kind)) values.username = page.FormValue("username");
+  if (!InitialsWereTaken(page.Error.Kind)) values.initials = page.FormValue("initials");
   values.password = ShownAgain(page, page.FormValue("password"));
   values.group_id = PostedGroupId(page.FormValue("groupid"));
   values.show_all_group_users = page.RequestValue("loadgroupdata");
@@ -85,7 +85,7 @@ AccountValues PostedAccount(const Page& page) {
 }
 
 AccountValues FormValues(const Page& page) {
-  if (page.ErrorFlag) return PostedAccount(page);
+  if (page.Error.Raised()) return PostedAccount(page);
   if (page.NewUserMode) return NewAccount(page);
   return LoadedAccount(page);
 }
@@ -226,7 +226,7 @@ void AdminOptionsView(Page& page) {
   AppendFormBodyOpening(page, screens::kUserHelp);
   out += "<form action=" + FormActionLink(page) + " method=post name=adminoptions  >";
   AppendHeadTable(page);
-  if (page.ErrorFlag) out += "<font color=#b22222><b>" + page.ErrorText + "</b></font>";
+  if (page.Error.Raised()) out += "<font color=#b22222><b>" + page.Error.Text + "</b></font>";
   AppendAccountTable(page, values);
   AppendDisplayOptionTable(page, values.display, Selection::kEqualOrNegated);
   AppendDefaultViewRow(page, values);

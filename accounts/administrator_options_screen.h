@@ -17,9 +17,9 @@ struct Page;
 //     for the new group (required by the validator too), the "(Administrator)" mark, and
 //     "welcome" = "y" posted with "Add New User".
 //
-// After a refused post (ErrorFlag) the message stands in red above the form and the form
-// shows what was posted, except the name when ErrorKind holds "U" and the initials when it
-// holds "I". User text is escaped. The page driver draws this screen only for an
+// After a refused post (a pending error) the message stands in red above the form and the form
+// shows what was posted, except the name when it was taken and the initials when they were
+// (page/pending_error.h). User text is escaped. The page driver draws this screen only for an
 // administrator's request (accounts/administrator_check.h).
 void AdminOptionsView(Page& page);
 

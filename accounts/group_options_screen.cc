@@ -67,7 +67,7 @@ void GroupOptionsView(Page& page) {
   AppendFormBodyOpening(page, screens::kGroupHelp);
   out += "<form action=" + ReturningLink(page, screens::kGroupOptions) +
          " method=post name=groupoptions>";
-  if (page.ErrorFlag) out += "<font color=#b22222><b>" + page.ErrorText + "</b></font>";
+  if (page.Error.Raised()) out += "<font color=#b22222><b>" + page.Error.Text + "</b></font>";
   AppendGroupTable(page);
   out += "<br>" + Button("Back");
   out += "<input type=hidden name=groupaction value=u />";

@@ -35,9 +35,8 @@ void AddGroup(Page& page) {
   try {
     page.Connection->Execute(InsertGroupStatement(name));
   } catch (const ado::DatabaseError&) {
-    page.ErrorFlag = true;
-    page.ErrorText = "<br>There is already a group named: " + EscapeHtml(name);
-    page.ErrorKind = "G";
+    page.Error.Raise(ErrorKind::kGroupNameTaken,
+                     "<br>There is already a group named: " + EscapeHtml(name));
   }
 }
 

@@ -8,7 +8,7 @@ struct Page;
 // "submit":
 //   "Back"    the administrator options screen follows; nothing else happens;
 //   "Add"     a group named the posted "newgroup"; when the database refuses it (a group of
-//             that name exists) ErrorFlag, ErrorKind "G" and the message
+//             that name exists) kGroupNameTaken and the message
 //             "<br>There is already a group named: " name;
 //   "Update"  the group "groupid" takes the name "groupname"; its members keep their group id,
 //             so they all follow. A refusal (a name in use) is a database error;

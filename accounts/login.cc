@@ -47,9 +47,7 @@ Statement AnyAdministratorStatement(ASPDataServer dialect) {
 // The invalid-login notice, whatever was wrong: the name, the password, or too many tries.
 std::string RefuseLogin(Page& page, LoginRefusal why) {
   page.LoginRefused = why;
-  page.ErrorFlag = true;
-  page.ErrorKind = "LA";
-  page.ErrorText = kInvalidLogin;
+  page.Error.Raise(ErrorKind::kLoginRefused, kInvalidLogin);
   return "";
 }
 

@@ -44,7 +44,7 @@ void LoadCurrentUser(Page& page);
 
 // Whether any account carries the administrator flag. While none does, visitors get the
 // welcome screen that creates the first one. A statement that fails sets the pending error
-// and answers false; callers look at ErrorFlag before they offer the welcome screen.
+// and answers false; callers look at the pending error before they offer the welcome screen.
 bool AdministratorExists(Page& page);
 
 }  // namespace tidewell

@@ -47,7 +47,7 @@ void LoginScreen(Page& page) {
   out += "<tr>";
   out += "<td class=text align=left valign=middle height=456>";
   AppendLogo(page);
-  if (page.ErrorKind == "LA") out += page.ErrorText;
+  if (page.Error.Kind == ErrorKind::kLoginRefused) out += page.Error.Text;
   out += "Please login with a Username and Password.";
   if (page.BrowserKind == browsers::kNetscape) out += "<br>&nbsp;";
   AppendLoginForm(page);

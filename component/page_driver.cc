@@ -84,7 +84,7 @@ void EstablishUser(Page& page, bool refused) {
     page.Screen = screens::kAdministratorOptions;
     page.NewUserMode = true;
     page.FirstAdministratorMode = true;
-  } else if (!AdministratorExists(page) && !page.ErrorFlag) {
+  } else if (!AdministratorExists(page) && !page.Error.Raised()) {
     page.Screen = screens::kWelcome;
   }
 }
@@ -100,21 +100,21 @@ void RunPostedActions(Page& page) {
   if (page.DeletionRequested) ProcessItemAction(page, "d");
   // 9d: the administrator options screen's buttons, for administrators only.
   bool refused = false;
-  if (!page.ErrorFlag && page.Screen == screens::kAdministratorOptions) {
+  if (!page.Error.Raised() && page.Screen == screens::kAdministratorOptions) {
     refused = !RunAdministratorAction(page);
   }
   // 9e: the group options screen's buttons: "Back" returns to screen 8, the others are
   // administrator actions.
-  if (!page.ErrorFlag && page.Screen == screens::kGroupOptions &&
+  if (!page.Error.Raised() && page.Screen == screens::kGroupOptions &&
       !page.FormValue("groupaction").empty()) {
     refused = !RunGroupAction(page);
   }
   // 9f: the user's own options, posted from screen 7.
-  if (!page.ErrorFlag && page.Screen == screens::kUserOptions &&
+  if (!page.Error.Raised() && page.Screen == screens::kUserOptions &&
       !page.FormValue("action").empty()) {
     ProcessAccount(page, AccountForm::kUserOptions);
   }
-  if (!page.ErrorFlag) EstablishUser(page, refused);
+  if (!page.Error.Raised()) EstablishUser(page, refused);
   // The administrator screens are drawn for administrators only; anyone else, the login
   // screen.
   GuardAdministratorScreens(page);
@@ -123,7 +123,7 @@ void RunPostedActions(Page& page) {
   // The user options screen's feed address, renewed when its button posted.
   PrepareFeedAddress(page);
   // 9g: the search on screen 15, once the searcher is known.
-  if (!page.ErrorFlag && page.Screen == screens::kSearch && !page.FormValue("action").empty()) {
+  if (!page.Error.Raised() && page.Screen == screens::kSearch && !page.FormValue("action").empty()) {
     ProcessSearch(page);
   }
 }
@@ -173,8 +173,8 @@ void RunPageDriver(Page& page) {
   }
 
   OpenDatabase(page);
-  if (!page.ErrorFlag) ConfirmLinkKeys(page);
-  if (!page.ErrorFlag) RunPostedActions(page);
+  if (!page.Error.Raised()) ConfirmLinkKeys(page);
+  if (!page.Error.Raised()) RunPostedActions(page);
   AssemblePage(page);
   CloseDatabase(page);
   page.PageBuffer += "</div>";

@@ -52,7 +52,7 @@ void DrawOnce(Page& page, const ScreenTable& table) {
 
 void DispatchScreen(Page& page, const ScreenTable& table) {
   DrawOnce(page, table);
-  if (page.ErrorFlag && page.ErrorKind == "DS") DrawOnce(page, table);
+  if (page.Error.Kind == ErrorKind::kDataRead) DrawOnce(page, table);
 }
 
 ViewTabs SelectViewTabs(long screen, long return_view) {

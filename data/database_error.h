@@ -37,14 +37,16 @@ inline constexpr long kRowNotFound = -2147217864;
 }  // namespace error_numbers
 
 // A database error as ADO raised it: the number above and the provider's own description.
-// Every failure of the data layer is one of these; the opener and the list readers turn it
-// into the request's pending error, the updating code into its own message.
+// Every failure of the data layer is one of these; the data layer knows nothing of pages, and
+// the screens' side (errors/database_errors.h) turns it into the request's pending error.
 class DatabaseError : public std::runtime_error {
  public:
   DatabaseError(long number, const std::string& description)
       : std::runtime_error(description), number_(number) {}
 
   long number() const { return number_; }
+  // E_FAIL: the engine was reached and refused, rather than never reached.
+  bool engine_refused() const { return number_ == error_numbers::kFail; }
   std::string description() const { return what(); }
 
  private:

@@ -103,7 +103,7 @@ struct Lease {
 };
 
 // Waits, up to the limit, for an idle session or room for a new one. Throws E_FAIL when
-// neither came in time: every session is in use, so the request ends with the "DP" screen.
+// neither came in time: every session is in use, so the request ends with the error screen (kDatabaseRefused).
 Lease WaitForSession(Registry& registry, const std::string& connection_string,
                      const PoolLimits& limits) {
   std::unique_lock lock(registry.mutex);

@@ -3,21 +3,26 @@
 #include <memory>
 #include <string>
 
-#include "page/page.h"
 #include "data/connection.h"
 #include "frame/markup.h"
+#include "page/page.h"
 
 namespace tidewell {
 namespace {
 
-void SetPendingError(Page& page, const char* kind, const char* heading,
-                     const ado::DatabaseError& error) {
-  page.ErrorFlag = true;
-  page.ErrorText = std::string("<font color=#b22222><b>") + heading +
-                   "</b></font><br><br>Error Number: " + std::to_string(error.number()) + "<br>" +
-                   // The engine's message may quote a value a visitor typed.
-                   EscapeHtml(error.description());
-  page.ErrorKind = kind;
+constexpr const char* kConnectHeading =
+    "The following error was presented when trying to connect to the database.";
+constexpr const char* kReadHeading =
+    "The following error was presented while attempting to retrieve data.";
+
+// The error screen's text: the heading in red, then the error's number and description.
+void RaiseDatabaseError(Page& page, ErrorKind kind, const char* heading,
+                        const ado::DatabaseError& error) {
+  page.Error.Raise(kind, std::string("<font color=#b22222><b>") + heading +
+                             "</b></font><br><br>Error Number: " +
+                             std::to_string(error.number()) + "<br>" +
+                             // The engine's message may quote a value a visitor typed.
+                             EscapeHtml(error.description()));
   page.Screen = screens::kErrorScreen;
 }
 
@@ -32,19 +37,6 @@ void OpenDatabase(Page& page) {
   }
 }
 
-void TrapDatabaseError(Page& page, const ado::DatabaseError& error) {
-  const bool engine_refused = error.number() == ado::error_numbers::kFail;
-  SetPendingError(page, engine_refused ? "DP" : "DB",
-                  "The following error was presented when trying to connect to the database.",
-                  error);
-}
-
-void TrapUpdateError(Page& page, const ado::DatabaseError& error) {
-  SetPendingError(page, "DP",
-                  "The following error was presented when trying to connect to the database.",
-                  error);
-}
-
 void CloseDatabase(Page& page) {
   if (page.Connection) {
     page.Connection->Close();  // Close never throws
@@ -53,9 +45,19 @@ void CloseDatabase(Page& page) {
   page.Connection.reset();
 }
 
+void TrapDatabaseError(Page& page, const ado::DatabaseError& error) {
+  RaiseDatabaseError(page,
+                     error.engine_refused() ? ErrorKind::kDatabaseRefused
+                                            : ErrorKind::kCannotConnect,
+                     kConnectHeading, error);
+}
+
+void TrapUpdateError(Page& page, const ado::DatabaseError& error) {
+  RaiseDatabaseError(page, ErrorKind::kDatabaseRefused, kConnectHeading, error);
+}
+
 void TrapListError(Page& page, const ado::DatabaseError& error) {
-  SetPendingError(page, "DS",
-                  "The following error was presented while attempting to retrieve data.", error);
+  RaiseDatabaseError(page, ErrorKind::kDataRead, kReadHeading, error);
 }
 
 }  // namespace tidewell

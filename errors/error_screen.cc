@@ -11,7 +11,7 @@ namespace {
 constexpr const char* kAdviceHeading =
     "<span class=help><br><br><b><u>Possible Solutions</u></b><br><br>";
 
-// "DB": the connection could not be made; the three ways of writing a connection string.
+// kCannotConnect: the connection could not be made; the three ways of writing a connection string.
 void AppendConnectionStringAdvice(std::string& out) {
   out += kAdviceHeading;
   out +=
@@ -33,7 +33,7 @@ void AppendConnectionStringAdvice(std::string& out) {
   out += "&quot;DATABASE=Tidewell;Trusted_Connection=Yes'&quot;</span>";
 }
 
-// "DP": the database was found but could not be opened or written; the permissions it needs.
+// kDatabaseRefused: the database was found but could not be opened or written; the permissions it needs.
 void AppendPermissionAdvice(std::string& out) {
   out += kAdviceHeading;
   out += "<b>Access Database:</b><br><br>";
@@ -52,7 +52,7 @@ void AppendPermissionAdvice(std::string& out) {
   out += "</span>";
 }
 
-// "DS": a statement failed while a screen's data was read; usually the wrong dialect.
+// kDataRead: a statement failed while a screen's data was read; usually the wrong dialect.
 void AppendDataServerAdvice(std::string& out) {
   out += kAdviceHeading;
   out +=
@@ -70,10 +70,20 @@ void AppendDataServerAdvice(std::string& out) {
   out += "Tidewell.DataServer = 1</span>";
 }
 
-void AppendAdvice(const std::string& kind, std::string& out) {
-  if (kind == "DB") AppendConnectionStringAdvice(out);
-  if (kind == "DP") AppendPermissionAdvice(out);
-  if (kind == "DS") AppendDataServerAdvice(out);
+void AppendAdvice(ErrorKind kind, std::string& out) {
+  switch (kind) {
+    case ErrorKind::kCannotConnect:
+      AppendConnectionStringAdvice(out);
+      break;
+    case ErrorKind::kDatabaseRefused:
+      AppendPermissionAdvice(out);
+      break;
+    case ErrorKind::kDataRead:
+      AppendDataServerAdvice(out);
+      break;
+    default:
+      break;  // the other kinds show their text alone
+  }
 }
 
 }  // namespace
@@ -94,8 +104,8 @@ void ErrorScreen(Page& page) {
   out += "<td class=text align=left valign=top width=560 height=456>";
   out += "<table align=center valign=top width=100% border=0 >";
   out += "<tr><td class=text align=left valign=top >";
-  out += page.ErrorText;
-  AppendAdvice(page.ErrorKind, out);
+  out += page.Error.Text;
+  AppendAdvice(page.Error.Kind, out);
   out += "</td></tr></table>";
   out += "</td></tr></table>";
   out += "<!-- ErrorScreen End -->";

@@ -10,7 +10,7 @@
 namespace tidewell {
 
 void PrepareFeedAddress(Page& page) {
-  if (!page.FeedAddressStart || page.ErrorFlag || page.UserKey.empty() || !page.Connection ||
+  if (!page.FeedAddressStart || page.Error.Raised() || page.UserKey.empty() || !page.Connection ||
       page.Screen != screens::kUserOptions) {
     return;
   }

@@ -27,7 +27,7 @@ void PrepareComponent(ASPTidewell& component, const ScriptingContext& context,
 // The answer's page facts: what the access log and the metrics count.
 HostAnswer WithPageFacts(HostAnswer answer, const Page& page) {
   answer.statements = page.StatementsRun;
-  if (page.ErrorFlag) answer.error_kind = page.ErrorKind;
+  answer.error_kind = page.Error.Kind;
   answer.link_keys_refused = page.LinkKeysRefused;
   answer.login_refused = page.LoginRefused;
   return answer;

@@ -20,9 +20,9 @@ struct HostAnswer {
   std::string screen = "-";
   // The statements the page ran on the database, for the access log.
   long long statements = 0;
-  // For the metrics: the pending error the page ended with ("DP", "LA", ...; "" for none), the
-  // link keys it refused, and why a login form was refused.
-  std::string error_kind;
+  // For the metrics: the kind of pending error the page ended with, the link keys it refused,
+  // and why a login form was refused.
+  ErrorKind error_kind = ErrorKind::kNone;
   int link_keys_refused = 0;
   LoginRefusal login_refused = LoginRefusal::kNone;
 };

@@ -60,16 +60,12 @@ void Metrics::CountAnswer(std::string_view screen, int status, double seconds) {
   duration_microseconds_.fetch_add(static_cast<uint64_t>(seconds * 1e6), kRelaxed);
 }
 
-void Metrics::CountPage(long long statements, std::string_view error_kind, int link_keys_refused,
+void Metrics::CountPage(long long statements, ErrorKind error_kind, int link_keys_refused,
                         LoginRefusal login_refused) {
   statements_.fetch_add(static_cast<uint64_t>(statements), kRelaxed);
-  if (!error_kind.empty() && error_kind[0] == 'D') {
-    size_t kind = kDatabaseErrorKinds.size() - 1;
-    for (size_t i = 0; i + 1 < kDatabaseErrorKinds.size(); ++i) {
-      if (error_kind == kDatabaseErrorKinds[i]) kind = i;
-    }
-    database_errors_[kind].fetch_add(1, kRelaxed);
-  }
+  if (error_kind == ErrorKind::kCannotConnect) database_errors_[1].fetch_add(1, kRelaxed);
+  if (error_kind == ErrorKind::kDatabaseRefused) database_errors_[2].fetch_add(1, kRelaxed);
+  if (error_kind == ErrorKind::kDataRead) database_errors_[3].fetch_add(1, kRelaxed);
   link_keys_refused_.fetch_add(static_cast<uint64_t>(link_keys_refused), kRelaxed);
   if (login_refused == LoginRefusal::kCredentials) logins_refused_credentials_.fetch_add(1, kRelaxed);
   if (login_refused == LoginRefusal::kThrottled) logins_refused_throttled_.fetch_add(1, kRelaxed);

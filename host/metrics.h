@@ -24,9 +24,9 @@ class Metrics {
   void CountAnswer(std::string_view screen, int status, double seconds);
 
   // What a page saw (host/component_host.h): the statements it ran, the database error it
-  // ended with ("DB", "DP", "DS"; other kinds are not the database's), link keys it refused,
-  // and a refused login.
-  void CountPage(long long statements, std::string_view error_kind, int link_keys_refused,
+  // ended with (the other kinds of pending error are not the database's), link keys it
+  // refused, and a refused login.
+  void CountPage(long long statements, ErrorKind error_kind, int link_keys_refused,
                  LoginRefusal login_refused);
 
   // A database error that escaped the page entirely (the request answered 500).
@@ -38,8 +38,9 @@ class Metrics {
  private:
   static constexpr size_t kScreens = screens::kCount + 2;  // "-", each screen, "other"
   static constexpr std::array<int, 9> kStatuses = {200, 400, 404, 405, 413, 431, 500, 503, 0};
-  static constexpr std::array<const char*, 5> kDatabaseErrorKinds = {"D", "DB", "DP", "DS",
-                                                                     "other"};
+  // The label of each database error counted: one that escaped the page, then the error
+  // screen's three kinds (kCannotConnect, kDatabaseRefused, kDataRead).
+  static constexpr std::array<const char*, 4> kDatabaseErrorKinds = {"D", "DB", "DP", "DS"};
   using Counter = std::atomic<uint64_t>;
 
   std::array<std::array<Counter, kStatuses.size()>, kScreens> requests_{};

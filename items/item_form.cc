@@ -25,7 +25,7 @@ long PostedHour(const std::string& text) {
 
 // After a refused post the user's input stays, except the date when it was the reason.
 void KeepPostedValues(const Page& page, ItemFormValues& values) {
-  if (page.ErrorKind != "D") values.date = page.FormValue("datestamp");
+  if (page.Error.Kind != ErrorKind::kInvalidDate) values.date = page.FormValue("datestamp");
   values.hour = PostedHour(page.FormValue("timestamp"));
   values.time_text = page.FormValue("timetext");
   values.heading = page.FormValue("heading");
@@ -140,10 +140,10 @@ void AppendSubmit(Page& page, bool editing) {
 
 void AddModifyView(Page& page) {
   // The form is drawn with an error pending only when its post was refused.
-  const bool refused = page.ErrorFlag;
+  const bool refused = page.Error.Raised();
   const bool editing = page.ItemId != 0;
   const ItemFormValues values = FormValues(page, editing, refused);
-  if (page.ErrorFlag && !refused) {
+  if (page.Error.Raised() && !refused) {
     // The item could not be read: the error screen instead of a form that would lose it.
     ErrorScreen(page);
     return;
@@ -159,7 +159,7 @@ void AddModifyView(Page& page) {
   // The post goes back through screen 4, so that the driver runs it, with the view to go on to.
   out += "<form action=" + ReturningLink(page, screens::kItemForm, page.ItemId) +
          " method=post name=addmodify onsubmit=\"return validator(this)\" >";
-  if (refused) out += "<font color=#b22222><b>" + page.ErrorText + "</b></font><br><br>";
+  if (refused) out += "<font color=#b22222><b>" + page.Error.Text + "</b></font><br><br>";
   AppendOwnerList(page);
   AppendDateAndTime(page, values);
   AppendHeadingAndDescription(page, values);

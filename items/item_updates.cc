@@ -118,9 +118,7 @@ void DeleteItem(Page& page) {
 }
 
 void RejectDate(Page& page) {
-  page.ErrorFlag = true;
-  page.ErrorKind = "D";
-  page.ErrorText = kInvalidItemDate;
+  page.Error.Raise(ErrorKind::kInvalidDate, kInvalidItemDate);
 }
 
 void RunAction(Page& page, std::string_view action) {

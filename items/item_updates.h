@@ -25,7 +25,7 @@ struct ItemFormValues {
   std::string complete;
 };
 
-// The message of a post whose "datestamp" reads as no date; ErrorKind "D".
+// The message of a post whose "datestamp" reads as no date (ErrorKind::kInvalidDate).
 inline constexpr const char* kInvalidItemDate =
     "You have entered an invalid date, please choose another date.";
 
@@ -33,8 +33,8 @@ inline constexpr const char* kInvalidItemDate =
 // ItemId, with the posted fields "ownerkey", "datestamp", "timestamp", "timetext", "heading",
 // "description", "urgent" and "complete".
 //
-//   - Every action but "d" first reads "datestamp": no date gives ErrorFlag, ErrorKind "D" and
-//     the message above in ErrorText, nothing written; the form is drawn again.
+//   - Every action but "d" first reads "datestamp": no date gives the pending kInvalidDate error
+//     with the message above, nothing written; the form is drawn again.
 //   - "a" makes the posted date the shown one and goes on to the view the form was opened
 //     from (ReturnView 0 to 3, else the time view); the time view gets the posted hour, the
 //     others DefaultStartHour. Unchecked boxes are left to the columns' default, false.
@@ -45,13 +45,13 @@ inline constexpr const char* kInvalidItemDate =
 // Heading and description are trimmed; TimeText is the posted hour, ":" and the posted minute.
 // The posted owner is taken when it is the calendar's own key, or when an administrator works
 // on the calendar and the key names an account (the only owners the form offers); otherwise
-// the item stays with the calendar shown. A failed statement becomes the pending "DP" error
+// the item stays with the calendar shown. A failed statement becomes the pending kDatabaseRefused error
 // and the error screen. Nobody signed in, nothing happens.
 void ProcessItemAction(Page& page, std::string_view action);
 
 // Reads item `item_id` of the calendar shown into `values` (flags as "checked"); false, and
 // `values` untouched, when the calendar has no such item. A failed statement becomes the
-// pending "DP" error.
+// pending kDatabaseRefused error.
 bool LoadItemForEdit(Page& page, long item_id, ItemFormValues& values);
 
 }  // namespace tidewell

@@ -7,6 +7,7 @@
 
 #include "page/asp_objects.h"
 #include "page/link_keys.h"
+#include "page/pending_error.h"
 #include "page/properties.h"
 #include "data/connection.h"
 #include "runtime/variant.h"
@@ -112,9 +113,9 @@ struct Page {
 
   bool NewUserMode = false;
   bool FirstAdministratorMode = false;
-  bool ErrorFlag = false;
-  std::string ErrorText;
-  std::string ErrorKind;
+  // What stopped this request short, if anything (page/pending_error.h): set by the actions
+  // and the readers, shown by the screen the request ends on.
+  PendingError Error;
   std::string SearchResults;
   std::shared_ptr<ado::Connection> Connection;  // opened at step 8 of Show, closed at its end
   long long StatementsRun = 0;  // by Connection, counted when it closed (for the access log)

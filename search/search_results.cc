@@ -51,9 +51,7 @@ std::optional<SearchDates> PostedDates(Page& page) {
                         : !IsDate(end) ? kInvalidEndDate
                                        : nullptr;
   if (refusal != nullptr) {
-    page.ErrorFlag = true;
-    page.ErrorText = refusal;
-    page.ErrorKind = "D";
+    page.Error.Raise(ErrorKind::kInvalidDate, refusal);
     return std::nullopt;
   }
   return SearchDates{CDate(start), CDate(end)};

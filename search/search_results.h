@@ -11,7 +11,7 @@ namespace tidewell {
 
 struct Page;
 
-// The messages of a posted date that reads as no date; ErrorKind "D".
+// The messages of a posted date that reads as no date (ErrorKind::kInvalidDate).
 inline constexpr const char* kInvalidStartDate =
     "You have entered an invalid start date, please choose another date.";
 inline constexpr const char* kInvalidEndDate =
@@ -25,8 +25,8 @@ inline constexpr const char* kNoSearchResults =
 // Runs the search the search screen posted ("startdate", "enddate", "ownerkey", "search") and
 // leaves its result table in SearchResults, which the search screen draws below its form.
 //
-//   - A date that reads as no date stops the search: ErrorFlag, ErrorKind "D" and the start or
-//     end date message above in ErrorText; the form shows it with the posted values.
+//   - A date that reads as no date stops the search: the pending kInvalidDate error with the start
+//     or end date message above; the form shows it with the posted values.
 //   - The owner is limited to what the searcher may see (search_scope.h).
 //   - Matching rows make a table: a heading row "group - user" each time the trimmed user
 //     name changes, and one row per item with its urgent mark, date, time and heading, the

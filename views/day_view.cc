@@ -116,7 +116,7 @@ void DayView(Page& page, ListReading reading) {
     const ListCell& hour = lists.Cell(row);
     page.PageBuffer += RowOpening(page, hour.day, *hour.hour);
     const std::string items = lists.ListOf(row);
-    if (page.ErrorFlag) {
+    if (page.Error.Raised()) {
       page.PageBuffer = saved_page;
       return;
     }

@@ -30,7 +30,7 @@ inline constexpr long kSearchOwners = 15;  // search form: whose calendars to se
 // The lists cover the current user's items, or his whole group's when his show-all-group-users
 // option is set, sorted by the link's sort code (page.SortOrder) or by the default order. The
 // result is markup, "&nbsp;" when nothing was produced (a table cell never collapses). A
-// statement that fails becomes the request's pending "DS" error (errors/database_errors.h) and the
+// statement that fails becomes the request's pending kDataRead error (errors/database_errors.h) and the
 // result is "&nbsp;"; the view that called drops what it drew and the dispatcher shows the
 // error screen after it.
 std::string BuildItemList(Page& page, long mode, std::string& date, long hour);

@@ -31,7 +31,7 @@ ado::Connection& ListConnection(Page& page);
 long ListGroupScope(Page& page);
 
 // Runs `read` under the lists' error trap: a statement that fails, or a value the run time
-// cannot convert, becomes the request's pending "DS" error (errors/database_errors.h) and the
+// cannot convert, becomes the request's pending kDataRead error (errors/database_errors.h) and the
 // answer is "".
 std::string TrapListFailure(Page& page, const std::function<std::string()>& read);
 

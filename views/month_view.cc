@@ -104,7 +104,7 @@ bool AppendDayCell(MonthGrid& grid, size_t index, const char* week) {
   const GridCell& cell = grid.cells[index];
   const std::string date_text = CStr(cell.date);
   const std::string items = grid.lists.ListOf(index);
-  if (page.ErrorFlag) {
+  if (page.Error.Raised()) {
     page.PageBuffer = grid.saved_page;
     return false;
   }

@@ -57,7 +57,7 @@ void TimeView(Page& page) {
 
   const std::string items =
       BuildItemList(page, list_modes::kTimeTable, page.CurrentDate, page.CurrentHour);
-  if (page.ErrorFlag) {
+  if (page.Error.Raised()) {
     page.PageBuffer = saved_page;
     return;
   }

@@ -88,7 +88,7 @@ std::string ViewLists::ListOf(size_t index) {
   if (reading_ == ListReading::kOnePerCell) {
     return BuildItemList(page_, mode_, cell.day, cell.hour.value_or(0));
   }
-  if (page_.ErrorFlag) return "&nbsp;";
+  if (page_.Error.Raised()) return "&nbsp;";
   const std::string list = TrapListFailure(page_, [&] {
     return DayListMarkup(page_, mode_, ShortDateText(DateOnly(cell.day)), lists_[index]);
   });

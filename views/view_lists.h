@@ -20,7 +20,7 @@ struct Page;
 // same rows in the same order, the same cut and "more" link.
 //
 // A failure, whether in the one statement or in a cell's, becomes the request's pending "DS"
-// error; the list handed out is then "&nbsp;", and the view, seeing page.ErrorFlag, drops
+// error; the list handed out is then "&nbsp;", and the view, seeing page.Error.Raised(), drops
 // what it drew, as it does after BuildItemList.
 class ViewLists {
  public:

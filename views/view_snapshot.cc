@@ -18,7 +18,7 @@ ViewSnapshot::ViewSnapshot(Page& page) : page_(page) {
 ViewSnapshot::~ViewSnapshot() {
   if (!open_) return;
   try {
-    if (page_.ErrorFlag) {
+    if (page_.Error.Raised()) {
       page_.Connection->RollbackTrans();
     } else {
       page_.Connection->CommitTrans();

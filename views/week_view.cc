@@ -128,7 +128,7 @@ void WeekView(Page& page, ListReading reading) {
   for (size_t i = 0; i < rows.size(); ++i) {
     page.PageBuffer += RowOpening(page, rows[i].date, rows[i].delta);
     const std::string items = lists.ListOf(i);
-    if (page.ErrorFlag) {
+    if (page.Error.Raised()) {
       page.PageBuffer = saved_page;
       return;
     }

@@ -124,7 +124,7 @@ TYPED_TEST(AccountsOnEngine, ANewAccountInANewGroup) {
   this->Posted("carol", "CA", "Deck");
   this->page_.NewUserMode = true;
   ProcessAccount(this->page_, AccountForm::kAdministratorOptions);
-  EXPECT_FALSE(this->page_.ErrorFlag) << this->page_.ErrorText;
+  EXPECT_FALSE(this->page_.Error.Raised()) << this->page_.Error.Text;
   const std::string carol = this->page_.UserKey;
   EXPECT_TRUE(IsOwnerKey(carol));
   EXPECT_EQ(this->Account(carol), "carol|new|CA|2|1+7+1+0+1|-|Deck");
@@ -134,7 +134,7 @@ TYPED_TEST(AccountsOnEngine, AGroupNameThatExistsIsJoinedWithoutAWord) {
   this->Posted("carol", "XX", "Crew");
   this->page_.NewUserMode = true;
   ProcessAccount(this->page_, AccountForm::kAdministratorOptions);
-  EXPECT_FALSE(this->page_.ErrorFlag) << this->page_.ErrorText;
+  EXPECT_FALSE(this->page_.Error.Raised()) << this->page_.Error.Text;
   EXPECT_EQ(this->Account(this->page_.UserKey), "carol|new|XX|2|1+7+1+0+1|-|Crew");
   EXPECT_EQ(this->Count("SELECT * FROM Groups"), 1);
 }
@@ -152,7 +152,7 @@ TYPED_TEST(AccountsOnEngine, InitialsTakenInTheGroupAreRefused) {
   this->Posted("carol", "XX", "");
   this->page_.NewUserMode = true;
   ProcessAccount(this->page_, AccountForm::kAdministratorOptions);
-  EXPECT_EQ(this->page_.ErrorKind, "I");
+  EXPECT_EQ(this->page_.Error.Kind, ErrorKind::kInitialsTaken);
   EXPECT_EQ(this->Count("SELECT * FROM Users"), 2);
 }
 
@@ -160,7 +160,7 @@ TYPED_TEST(AccountsOnEngine, AnExistingAccountIsChanged) {
   this->Posted("robert", "RB", "");
   this->page_.UserKey = kBob;
   ProcessAccount(this->page_, AccountForm::kAdministratorOptions);
-  EXPECT_FALSE(this->page_.ErrorFlag) << this->page_.ErrorText;
+  EXPECT_FALSE(this->page_.Error.Raised()) << this->page_.Error.Text;
   EXPECT_EQ(this->Account(kBob), "robert|new|RB|2|1+7+1+0+1|-|Crew");
   EXPECT_EQ(this->page_.props.DefaultStartHour, 7);
 }
@@ -168,7 +168,7 @@ TYPED_TEST(AccountsOnEngine, AnExistingAccountIsChanged) {
 TYPED_TEST(AccountsOnEngine, DeletingAnotherAccountAndThenOnesOwn) {
   this->page_.UserKey = kBob;
   DeleteUser(this->page_, kBob);
-  EXPECT_FALSE(this->page_.ErrorFlag) << this->page_.ErrorText;
+  EXPECT_FALSE(this->page_.Error.Raised()) << this->page_.Error.Text;
   EXPECT_EQ(this->Account(kBob), "");
   EXPECT_EQ(this->Count("SELECT * FROM Items"), 1);
   EXPECT_EQ(this->page_.UserKey, kAdmin);

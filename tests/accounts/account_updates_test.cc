@@ -43,7 +43,7 @@ TEST_F(AccountUpdates, RenamingAUserToHisOwnNameIsNoClash) {
   Fields form = AccountForm("bob", "BB", "1");
   Set(form, "password", "changed");
   Submit(visit, form, "Update");
-  EXPECT_FALSE(visit.page().ErrorFlag);
+  EXPECT_FALSE(visit.page().Error.Raised());
   EXPECT_EQ(Account(bob_), "bob|changed|BB|0|1+8+0+0+0|False|1");
 }
 
@@ -51,9 +51,9 @@ TEST_F(AccountUpdates, RenamingAUserToAnotherUsersNameIsRefused) {
   const auto before = AllTables();
   SiteVisit visit = Screen8(bob_, admin_);
   Submit(visit, AccountForm("carol", "BB", "1"), "Update");
-  EXPECT_TRUE(visit.page().ErrorFlag);
-  EXPECT_EQ(visit.page().ErrorKind, "U");
-  EXPECT_EQ(visit.page().ErrorText,
+  EXPECT_TRUE(visit.page().Error.Raised());
+  EXPECT_EQ(visit.page().Error.Kind, ErrorKind::kUserNameTaken);
+  EXPECT_EQ(visit.page().Error.Text,
             "<br>There is already a user named: carol, Please choose another.");
   EXPECT_TRUE(AllTables() == before);
   EXPECT_TRUE(Contains(AdminOptions(visit.html()),
@@ -66,7 +66,7 @@ TEST_F(AccountUpdates, InNewUserModeAnyExistingNameClashes) {
   // The administrator's own name, while his own account is the one shown.
   SiteVisit visit = AsAdministrator();
   Submit(visit, AccountForm("admin", "ZZ", "2"), "Add New User");
-  EXPECT_EQ(visit.page().ErrorKind, "U");
+  EXPECT_EQ(visit.page().Error.Kind, ErrorKind::kUserNameTaken);
   EXPECT_TRUE(visit.page().NewUserMode);
   EXPECT_TRUE(AllTables() == before);
 }
@@ -74,7 +74,7 @@ TEST_F(AccountUpdates, InNewUserModeAnyExistingNameClashes) {
 TEST_F(AccountUpdates, NamesCompareWithoutRegardToCase) {
   SiteVisit visit = AsAdministrator();
   Submit(visit, AccountForm("BOB", "ZZ", "2"), "Add New User");
-  EXPECT_EQ(visit.page().ErrorText,
+  EXPECT_EQ(visit.page().Error.Text,
             "<br>There is already a user named: bob, Please choose another.");
 }
 
@@ -83,7 +83,7 @@ TEST_F(AccountUpdates, NamesCompareWithoutRegardToCase) {
 TEST_F(AccountUpdates, TheSameInitialsInTwoDifferentGroupsAreAllowed) {
   SiteVisit visit = AsAdministrator();
   Submit(visit, AccountForm("dave", "BB", "2"), "Add New User");
-  EXPECT_FALSE(visit.page().ErrorFlag);
+  EXPECT_FALSE(visit.page().Error.Raised());
   EXPECT_EQ(Account(KeyOf("dave")), "dave|pw|BB|0|1+8+0+0+0|False|2");
 }
 
@@ -91,8 +91,8 @@ TEST_F(AccountUpdates, TheSameInitialsTwiceInOneGroupAreRefused) {
   const auto before = AllTables();
   SiteVisit visit = AsAdministrator();
   Submit(visit, AccountForm("dave", "BB", "1"), "Add New User");
-  EXPECT_EQ(visit.page().ErrorKind, "I");
-  EXPECT_EQ(visit.page().ErrorText,
+  EXPECT_EQ(visit.page().Error.Kind, ErrorKind::kInitialsTaken);
+  EXPECT_EQ(visit.page().Error.Text,
             "<br>There is already a user with the initials: BB in the group: Crew.<br>The user "
             "is: bob.");
   EXPECT_TRUE(AllTables() == before);
@@ -101,7 +101,7 @@ TEST_F(AccountUpdates, TheSameInitialsTwiceInOneGroupAreRefused) {
 TEST_F(AccountUpdates, KeepingHisOwnInitialsIsNoClash) {
   SiteVisit visit = Screen8(carol_, admin_);
   Submit(visit, AccountForm("carol", "CA", "2"), "Update");
-  EXPECT_FALSE(visit.page().ErrorFlag);
+  EXPECT_FALSE(visit.page().Error.Raised());
 }
 
 TEST_F(AccountUpdates, InitialsAreNotCheckedWhenTheAccountGoesIntoANewGroup) {
@@ -109,7 +109,7 @@ TEST_F(AccountUpdates, InitialsAreNotCheckedWhenTheAccountGoesIntoANewGroup) {
   Fields form = AccountForm("dave", "BB", "1");
   Set(form, "newgroup", "Galley");
   Submit(visit, form, "Add New User");
-  EXPECT_FALSE(visit.page().ErrorFlag);
+  EXPECT_FALSE(visit.page().Error.Raised());
   EXPECT_EQ(Groups(), (std::vector<std::string>{"1|Crew", "2|Deck", "3|Galley"}));
   EXPECT_EQ(Account(KeyOf("dave")), "dave|pw|BB|0|1+8+0+0+0|False|3");
 }
@@ -118,8 +118,8 @@ TEST_F(AccountUpdates, BothMessagesStandTogetherAndNothingIsWritten) {
   const auto before = AllTables();
   SiteVisit visit = AsAdministrator();
   Submit(visit, AccountForm("bob", "BB", "1"), "Add New User");
-  EXPECT_EQ(visit.page().ErrorKind, "UI");
-  EXPECT_EQ(visit.page().ErrorText,
+  EXPECT_EQ(visit.page().Error.Kind, ErrorKind::kUserNameAndInitialsTaken);
+  EXPECT_EQ(visit.page().Error.Text,
             "<br>There is already a user named: bob, Please choose another.<br>There is already "
             "a user with the initials: BB in the group: Crew.<br>The user is: bob.");
   EXPECT_TRUE(AllTables() == before);
@@ -132,7 +132,7 @@ TEST_F(AccountUpdates, ANewGroupWhoseNameExistsJoinsTheExistingGroupSilently) {
   Fields form = AccountForm("bob", "BB", "1");
   Set(form, "newgroup", "Deck");
   Submit(visit, form, "Update");
-  EXPECT_FALSE(visit.page().ErrorFlag);
+  EXPECT_FALSE(visit.page().Error.Raised());
   EXPECT_EQ(Groups(), (std::vector<std::string>{"1|Crew", "2|Deck"}));
   EXPECT_EQ(Account(bob_), "bob|pw|BB|0|1+8+0+0+0|False|2");
 }
@@ -268,8 +268,8 @@ TEST_F(AccountUpdates, ANameWithASingleQuoteBreaksTheStatementAndIsReported) {
   const auto before = AllTables();
   SiteVisit visit = AsAdministrator();
   Submit(visit, AccountForm("o'hara", "OH", "2"), "Add New User");
-  EXPECT_TRUE(visit.page().ErrorFlag);
-  EXPECT_EQ(visit.page().ErrorKind, "DP");
+  EXPECT_TRUE(visit.page().Error.Raised());
+  EXPECT_EQ(visit.page().Error.Kind, ErrorKind::kDatabaseRefused);
   EXPECT_EQ(visit.page().Screen, screens::kErrorScreen);
   EXPECT_TRUE(Contains(visit.html(), "<!-- ErrorScreen Start -->"));
   EXPECT_TRUE(AllTables() == before);
@@ -281,7 +281,7 @@ TEST_F(AccountUpdates, ANewGroupWithASingleQuoteIsReportedAndNothingWritten) {
   Fields form = AccountForm("dave", "DV", "2");
   Set(form, "newgroup", "Cook's");
   Submit(visit, form, "Add New User");
-  EXPECT_EQ(visit.page().ErrorKind, "DP");
+  EXPECT_EQ(visit.page().Error.Kind, ErrorKind::kDatabaseRefused);
   EXPECT_TRUE(AllTables() == before);
 }
 

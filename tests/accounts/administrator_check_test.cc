@@ -188,7 +188,7 @@ class FirstAdministrator : public testing::SiteTest {
 
 TEST_F(FirstAdministrator, TheWelcomeFormMakesAnAdministratorWhileThereIsNone) {
   SiteVisit visit = AddNewUser("first");
-  EXPECT_FALSE(visit.page().ErrorFlag);
+  EXPECT_FALSE(visit.page().Error.Raised());
   EXPECT_EQ(Accounts(), 1);
   // Signed in as the new administrator, on his own account.
   EXPECT_TRUE(IsOwnerKey(visit.page().UserKey));
@@ -221,7 +221,7 @@ TEST_F(FirstAdministrator, ARefusedFirstAccountShowsTheFormAgainWithoutTheAccoun
   std::string bob = database_.AddUser({.name = "bob", .password = "pw", .group = crew_});
   SiteVisit visit = AddNewUser("bob");
   EXPECT_EQ(Accounts(), 1);
-  EXPECT_EQ(visit.page().ErrorKind, "U");
+  EXPECT_EQ(visit.page().Error.Kind, ErrorKind::kUserNameTaken);
   EXPECT_TRUE(visit.page().FirstAdministratorMode);
   EXPECT_TRUE(Contains(visit.html(), "<b>New Administrator/User Account.</b>"));
   EXPECT_TRUE(Contains(visit.html(), "There is already a user named: bob, Please choose another."));

@@ -87,7 +87,7 @@ TEST_F(AdministratorOptionsScreen, AfterARefusalWithBothMessages) {
   Post(visit, form);
   EXPECT_TRUE(MatchesGolden(AdminOptions(visit.Show()),
                             "admin_options_refused_name_and_initials.html", Keys()));
-  EXPECT_EQ(visit.page().ErrorKind, "UI");
+  EXPECT_EQ(visit.page().Error.Kind, ErrorKind::kUserNameAndInitialsTaken);
 }
 
 TEST_F(AdministratorOptionsScreen, HeightsByBrowser) {
@@ -139,7 +139,7 @@ TEST_F(AdministratorOptionsScreen, ARefusedNameIsEmptiedAndTheRestKept) {
   Set(form, "submit", "Add New User");
   Post(visit, form);
   const std::string screen = AdminOptions(visit.Show());
-  EXPECT_EQ(visit.page().ErrorKind, "U");
+  EXPECT_EQ(visit.page().Error.Kind, ErrorKind::kUserNameTaken);
   EXPECT_TRUE(Contains(screen, "name=username value=\"\" size=18 >"));
   EXPECT_TRUE(Contains(screen, "name=initials value=\"ZZ\" size=18 >"));
   EXPECT_TRUE(Contains(screen, "<option selected class=text value=2 >Deck</option>"));
@@ -159,7 +159,7 @@ TEST_F(AdministratorOptionsScreen, ARefusedUpdateThatKeptThePasswordShowsTheStan
   Set(form, "submit", "Update");
   Post(visit, form);
   const std::string screen = AdminOptions(visit.Show());
-  EXPECT_EQ(visit.page().ErrorKind, "U");
+  EXPECT_EQ(visit.page().Error.Kind, ErrorKind::kUserNameTaken);
   EXPECT_TRUE(Contains(screen, "name=password value=\"" + StandInOf(bob_) + "\" size=18 >"));
   EXPECT_TRUE(Contains(screen, "name=confirm value=\"" + StandInOf(bob_) + "\" size=18 >"));
 }
@@ -171,7 +171,7 @@ TEST_F(AdministratorOptionsScreen, RefusedInitialsAreEmptiedAndTheNameKept) {
   Set(form, "submit", "Add New User");
   Post(visit, form);
   const std::string screen = AdminOptions(visit.Show());
-  EXPECT_EQ(visit.page().ErrorKind, "I");
+  EXPECT_EQ(visit.page().Error.Kind, ErrorKind::kInitialsTaken);
   EXPECT_TRUE(Contains(screen,
                        "<font color=#b22222><b><br>There is already a user with the "
                        "initials: CA in the group: Deck.<br>The user is: carol.</b></font>"));

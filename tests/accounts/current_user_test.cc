@@ -169,7 +169,7 @@ TEST_F(CurrentUser, AOneElementOptionsStringKeepsThePagesDefaults) {
   });
   Show(visit, InLink(bob));
   const Page& page = visit.page();
-  EXPECT_FALSE(page.ErrorFlag);
+  EXPECT_FALSE(page.Error.Raised());
   EXPECT_TRUE(page.User.ShowAllGroupUsers);
   EXPECT_TRUE(page.User.MayChangeShowAllGroupUsers);
   EXPECT_EQ(page.User.StartHour, 9);

@@ -112,7 +112,7 @@ TEST_F(GroupOptionsScreen, AddMakesAGroupThatIsThenUnassigned) {
   Fields form = GroupForm("Add");
   Set(form, "newgroup", "Galley");
   SiteVisit visit = PostAsAdministrator(form);
-  EXPECT_FALSE(visit.page().ErrorFlag);
+  EXPECT_FALSE(visit.page().Error.Raised());
   EXPECT_EQ(visit.page().Screen, screens::kGroupOptions);
   EXPECT_EQ(Groups(), (std::vector<std::string>{"1|Crew", "2|Deck", "3|Galley"}));
   EXPECT_TRUE(Contains(GroupOptions(visit.html()),
@@ -124,9 +124,9 @@ TEST_F(GroupOptionsScreen, AddingANameInUseShowsTheMessageAndInsertsNothing) {
   Fields form = GroupForm("Add");
   Set(form, "newgroup", "Deck");
   SiteVisit visit = PostAsAdministrator(form);
-  EXPECT_TRUE(visit.page().ErrorFlag);
-  EXPECT_EQ(visit.page().ErrorKind, "G");
-  EXPECT_EQ(visit.page().ErrorText, "<br>There is already a group named: Deck");
+  EXPECT_TRUE(visit.page().Error.Raised());
+  EXPECT_EQ(visit.page().Error.Kind, ErrorKind::kGroupNameTaken);
+  EXPECT_EQ(visit.page().Error.Text, "<br>There is already a group named: Deck");
   EXPECT_EQ(visit.page().Screen, screens::kGroupOptions);
   EXPECT_TRUE(Contains(GroupOptions(visit.html()),
                        "method=post name=groupoptions><font color=#b22222><b><br>There is "
@@ -139,7 +139,7 @@ TEST_F(GroupOptionsScreen, TheMessageEscapesThePostedName) {
   Fields form = GroupForm("Add");
   Set(form, "newgroup", "<i>");
   SiteVisit visit = PostAsAdministrator(form);
-  EXPECT_EQ(visit.page().ErrorText, "<br>There is already a group named: &lt;i&gt;");
+  EXPECT_EQ(visit.page().Error.Text, "<br>There is already a group named: &lt;i&gt;");
   EXPECT_FALSE(Contains(visit.html(), "<i>"));
 }
 
@@ -151,7 +151,7 @@ TEST_F(GroupOptionsScreen, AddOrUpdateWithAnEmptyNameDoesNothing) {
     Set(form, "newgroup", "  ");
     Set(form, "groupname", "   ");
     SiteVisit visit = PostAsAdministrator(form);
-    EXPECT_FALSE(visit.page().ErrorFlag);
+    EXPECT_FALSE(visit.page().Error.Raised());
     EXPECT_EQ(AllTables(), before);
   }
 }
@@ -161,7 +161,7 @@ TEST_F(GroupOptionsScreen, UpdateRenamesTheGroupForAllItsMembers) {
   Set(form, "groupid", "1");
   Set(form, "groupname", "Bridge");
   SiteVisit visit = PostAsAdministrator(form);
-  EXPECT_FALSE(visit.page().ErrorFlag);
+  EXPECT_FALSE(visit.page().Error.Raised());
   EXPECT_EQ(Groups(), (std::vector<std::string>{"1|Bridge", "2|Deck"}));
   // Both members still name group 1, which is now called Bridge.
   EXPECT_EQ(Account(admin_).substr(Account(admin_).rfind('|')), "|1");
@@ -176,8 +176,8 @@ TEST_F(GroupOptionsScreen, RenamingToANameInUseIsADatabaseError) {
   Set(form, "groupid", "1");
   Set(form, "groupname", "Deck");
   SiteVisit visit = PostAsAdministrator(form);
-  EXPECT_TRUE(visit.page().ErrorFlag);
-  EXPECT_NE(visit.page().ErrorKind, "G");
+  EXPECT_TRUE(visit.page().Error.Raised());
+  EXPECT_NE(visit.page().Error.Kind, ErrorKind::kGroupNameTaken);
   EXPECT_EQ(visit.page().Screen, screens::kErrorScreen);
   EXPECT_TRUE(Contains(visit.html(), kDatabaseErrorHeading));
   EXPECT_EQ(Groups(), (std::vector<std::string>{"1|Crew", "2|Deck"}));
@@ -188,7 +188,7 @@ TEST_F(GroupOptionsScreen, DeleteRemovesAnUnassignedGroup) {
   Fields form = GroupForm("Delete");
   Set(form, "rgroupid", "3");
   SiteVisit visit = PostAsAdministrator(form);
-  EXPECT_FALSE(visit.page().ErrorFlag);
+  EXPECT_FALSE(visit.page().Error.Raised());
   EXPECT_EQ(Groups(), (std::vector<std::string>{"1|Crew", "2|Deck"}));
   EXPECT_TRUE(Contains(GroupOptions(visit.html()), "No Groups Unassigned"));
 }
@@ -203,7 +203,7 @@ TEST_F(GroupOptionsScreen, BackDoesNoProcessingEvenWithFieldsFilledIn) {
   Set(form, "rgroupid", "3");
   SiteVisit visit = PostAsAdministrator(form);
   EXPECT_EQ(AllTables(), before);
-  EXPECT_FALSE(visit.page().ErrorFlag);
+  EXPECT_FALSE(visit.page().Error.Raised());
   EXPECT_EQ(visit.page().Screen, screens::kAdministratorOptions);
   EXPECT_TRUE(Contains(visit.html(), "<!-- AdminOptionsView  Start -->"));
   EXPECT_FALSE(Contains(visit.html(), "GroupOptionsView"));

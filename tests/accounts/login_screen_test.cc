@@ -170,7 +170,7 @@ TEST_F(WelcomeScreenPage, ALoginFormPostedMeanwhileStillEndsOnTheWelcomeScreen) 
   // The failed login is pending, so the administrator question is not asked: the login
   // screen with its notice. A correct login opens the user's calendar.
   EXPECT_EQ(visit.page().Screen, screens::kLogin);
-  EXPECT_EQ(visit.page().ErrorKind, "LA");
+  EXPECT_EQ(visit.page().Error.Kind, ErrorKind::kLoginRefused);
 }
 
 TEST_F(WelcomeScreenPage, WelcomeYesOpensTheFirstAdministratorFormWhenNoneExists) {

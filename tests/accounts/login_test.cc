@@ -44,7 +44,7 @@ TEST_F(Login, CorrectLoginWithDefaultViewTwoOpensTheDayView) {
   EXPECT_EQ(visit.page().UserKey, bob);
   EXPECT_EQ(visit.page().Screen, screens::kDayView);
   EXPECT_EQ(visit.page().ReturnView, screens::kDayView);
-  EXPECT_FALSE(visit.page().ErrorFlag);
+  EXPECT_FALSE(visit.page().Error.Raised());
   // The day view's tab strip, its DayView tab selected, and links that carry bob signed.
   EXPECT_NE(html.find("<td align=left height=21 class=tabs bgcolor=#172676 nowrap><a class=tabs "
                       "href=default.asp?WS=~2/n~11/21/2026~"),
@@ -122,9 +122,9 @@ TEST_F(Login, WrongPasswordLeavesTheLoginScreenWithTheNotice) {
   const Page& page = visit.page();
   EXPECT_EQ(page.UserKey, "");
   EXPECT_EQ(page.Screen, screens::kLogin);
-  EXPECT_TRUE(page.ErrorFlag);
-  EXPECT_EQ(page.ErrorKind, "LA");
-  EXPECT_EQ(page.ErrorText, kInvalidLogin);
+  EXPECT_TRUE(page.Error.Raised());
+  EXPECT_EQ(page.Error.Kind, ErrorKind::kLoginRefused);
+  EXPECT_EQ(page.Error.Text, kInvalidLogin);
   EXPECT_NE(html.find(std::string(kInvalidLogin) + "Please login with a Username and Password."),
             std::string::npos);
 }
@@ -133,7 +133,7 @@ TEST_F(Login, UnknownUserIsTheSameInvalidLogin) {
   AddAdministrator();
   SiteVisit visit = PostLogin("nobody", "pw");
   visit.Show();
-  EXPECT_EQ(visit.page().ErrorKind, "LA");
+  EXPECT_EQ(visit.page().Error.Kind, ErrorKind::kLoginRefused);
 }
 
 TEST_F(Login, WithoutTheLoginFieldNothingIsTried) {
@@ -143,7 +143,7 @@ TEST_F(Login, WithoutTheLoginFieldNothingIsTried) {
   visit.Link("~6~11/21/2026~14~0~~~~").Post("username", "bob").Post("password", "pw");
   visit.Show();
   EXPECT_EQ(visit.page().UserKey, "");
-  EXPECT_FALSE(visit.page().ErrorFlag);
+  EXPECT_FALSE(visit.page().Error.Raised());
 }
 
 TEST_F(Login, LoginFormOnAnotherScreenIsNotRun) {
@@ -180,10 +180,10 @@ TEST_F(Login, QuoteInTheNameIsADatabaseErrorNotALogin) {
   SiteVisit visit = PostLogin("bob' OR 'a'='a", "x' OR 'a'='a");
   std::string html = visit.Show();
   EXPECT_EQ(visit.page().UserKey, "");
-  EXPECT_TRUE(visit.page().ErrorFlag);
+  EXPECT_TRUE(visit.page().Error.Raised());
   EXPECT_EQ(visit.page().Screen, screens::kErrorScreen);
   EXPECT_NE(html.find("<!-- ErrorScreen Start -->"), std::string::npos);
-  EXPECT_NE(visit.page().ErrorText.find("when trying to connect to the database."),
+  EXPECT_NE(visit.page().Error.Text.find("when trying to connect to the database."),
             std::string::npos);
 }
 
@@ -196,7 +196,7 @@ TEST_F(Login, AutoLoginWithAWrongPasswordShowsTheLoginScreenWithTheNotice) {
   visit.Configure([](ASPTidewell& c) { c.AutoLogin("bob", "wrong", false); });
   std::string html = visit.Show();
   EXPECT_EQ(visit.page().Screen, screens::kLogin);
-  EXPECT_EQ(visit.page().ErrorKind, "LA");
+  EXPECT_EQ(visit.page().Error.Kind, ErrorKind::kLoginRefused);
   EXPECT_NE(html.find("<!-- LoginScreen  Start -->"), std::string::npos);
   EXPECT_NE(html.find(std::string(kInvalidLogin) + "Please login with a Username and Password."),
             std::string::npos);
@@ -230,20 +230,20 @@ TEST_F(Login, AfterFiveFailuresInAMinuteEvenTheRightPasswordIsRefusedUntilTheMin
   for (int i = 0; i < 5; ++i) {
     SiteVisit wrong = PostLogin("bob", "guess");
     wrong.Show();
-    EXPECT_EQ(wrong.page().ErrorText, kInvalidLogin);
+    EXPECT_EQ(wrong.page().Error.Text, kInvalidLogin);
   }
   SiteVisit refused = PostLogin("BOB", "secret");
   refused.Show();
   EXPECT_EQ(refused.page().UserKey, "");
-  EXPECT_EQ(refused.page().ErrorKind, "LA");
-  EXPECT_EQ(refused.page().ErrorText, kInvalidLogin);
+  EXPECT_EQ(refused.page().Error.Kind, ErrorKind::kLoginRefused);
+  EXPECT_EQ(refused.page().Error.Text, kInvalidLogin);
 
   // Sixty seconds after the first failure it no longer counts, and the right password works.
   SetFixedNow(Combine(DateSerial(2026, 11, 21), TimeSerial(14, 6, 1)));
   SiteVisit admitted = PostLogin("bob", "secret");
   admitted.Show();
   EXPECT_EQ(admitted.page().UserKey, bob);
-  EXPECT_FALSE(admitted.page().ErrorFlag);
+  EXPECT_FALSE(admitted.page().Error.Raised());
 }
 
 TEST_F(Login, AnAddressThatFailsTwentyTimesInAMinuteIsRefusedForEveryName) {
@@ -255,7 +255,7 @@ TEST_F(Login, AnAddressThatFailsTwentyTimesInAMinuteIsRefusedForEveryName) {
   SiteVisit refused = PostLogin("bob", "secret");
   refused.From("192.0.2.7").Show();
   EXPECT_EQ(refused.page().UserKey, "");
-  EXPECT_EQ(refused.page().ErrorText, kInvalidLogin);
+  EXPECT_EQ(refused.page().Error.Text, kInvalidLogin);
   // Another address is not held back by them.
   SiteVisit elsewhere = PostLogin("bob", "secret");
   elsewhere.From("192.0.2.8").Show();
@@ -317,7 +317,7 @@ TEST_F(Login, AnAdministratorQuestionThatFailsShowsTheErrorScreenNotTheWelcome) 
   SiteVisit visit = Visit();
   std::string html = visit.Show();
   EXPECT_EQ(visit.page().Screen, screens::kErrorScreen);
-  EXPECT_EQ(visit.page().ErrorKind, "DB");
+  EXPECT_EQ(visit.page().Error.Kind, ErrorKind::kCannotConnect);
   EXPECT_EQ(html.find("WelcomeScreen"), std::string::npos);
   EXPECT_NE(html.find("no such table: Users"), std::string::npos);
 }
@@ -385,7 +385,7 @@ TEST_F(LoginOnPostgres, AdministratorQuestionLoginAndCurrentUser) {
     visit.request.Form.Add("username", "ADMIN");
     visit.request.Form.Add("password", "pw");
     Page page = ShowPage(visit);
-    EXPECT_FALSE(page.ErrorFlag) << page.ErrorText;
+    EXPECT_FALSE(page.Error.Raised()) << page.Error.Text;
     EXPECT_EQ(page.UserKey, admin);
     EXPECT_EQ(page.Screen, screens::kDayView);
     EXPECT_EQ(page.CurrentHour, 10);

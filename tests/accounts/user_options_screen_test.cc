@@ -179,7 +179,7 @@ TEST_F(UserOptionsScreen, UpdateWithoutTypingKeepsThePassword) {
   SiteVisit update = Screen7(bob_, 2, /*own_defaults=*/true);
   Post(update, form);
   update.Show();
-  EXPECT_FALSE(update.page().ErrorFlag);
+  EXPECT_FALSE(update.page().Error.Raised());
   EXPECT_EQ(database_.StampOf(bob_), stored);
   EXPECT_EQ(Account(bob_), "bob|secret|BB|2|4+9+1+0+1|False|1");
 }

@@ -7,8 +7,7 @@ namespace {
 
 void MonthThatFailsAList(Page& page) {
   page.PageBuffer += "[month]";
-  page.ErrorFlag = true;
-  page.ErrorKind = "DS";
+  page.Error.Kind = ErrorKind::kDataRead;
   page.Screen = screens::kErrorScreen;
 }
 void ErrorScreen(Page& page) {
@@ -43,8 +42,7 @@ TEST(DispatchScreen, FailedListIsFollowedByTheErrorScreenOnce) {
 TEST(DispatchScreen, PendingDatabaseErrorIsNotDrawnTwice) {
   Page page;
   page.Screen = screens::kErrorScreen;
-  page.ErrorFlag = true;
-  page.ErrorKind = "DB";
+  page.Error.Kind = ErrorKind::kCannotConnect;
   DispatchScreen(page, TestTable());
   EXPECT_EQ(page.PageBuffer, "[error]");
 }

@@ -56,7 +56,7 @@ class WrongDialect : public ::testing::Test {
     page.props.DataServer = dialect;
     page.Screen = screens::kMonthView;
     OpenDatabase(page);
-    EXPECT_FALSE(page.ErrorFlag) << page.ErrorText;
+    EXPECT_FALSE(page.Error.Raised()) << page.Error.Text;
     ScreenTable table = Screens();
     table[screens::kMonthView] = MonthViewWithOneList;
     DispatchScreen(page, table);
@@ -71,14 +71,14 @@ TYPED_TEST_SUITE(WrongDialect, testing::Engines, testing::EngineNames);
 
 TYPED_TEST(WrongDialect, RightDialectDrawsTheListWithoutError) {
   Page page = this->DrawMonth(TypeParam::kDialect);
-  EXPECT_FALSE(page.ErrorFlag) << page.ErrorText;
+  EXPECT_FALSE(page.Error.Raised()) << page.Error.Text;
   EXPECT_EQ(page.PageBuffer, kMonthStart);
 }
 
 TYPED_TEST(WrongDialect, OtherDialectShowsTheDataServerAdviceAfterThePartDrawn) {
   Page page = this->DrawMonth(TypeParam::kOtherDialect);
-  EXPECT_TRUE(page.ErrorFlag);
-  EXPECT_EQ(page.ErrorKind, "DS");
+  EXPECT_TRUE(page.Error.Raised());
+  EXPECT_EQ(page.Error.Kind, ErrorKind::kDataRead);
   EXPECT_EQ(page.Screen, screens::kErrorScreen);
   if (TypeParam::kDialect == ASPDataServer::Access) {
     // Jet's own words for a date column compared with quoted text.
@@ -86,12 +86,12 @@ TYPED_TEST(WrongDialect, OtherDialectShowsTheDataServerAdviceAfterThePartDrawn) 
                                        "error_screen_ds.html"));
   } else {
     EXPECT_EQ(
-        page.ErrorText,
+        page.Error.Text,
         "<font color=#b22222><b>The following error was presented while attempting to retrieve "
         "data.</b></font><br><br>Error Number: -2147217900<br>syntax error at or near "
         "&quot;#&quot;");
     std::string golden = testing::ReadGolden("error_screen_ds.html");
-    std::string expected_text = page.ErrorText;
+    std::string expected_text = page.Error.Text;
     size_t from = golden.find("<font color=#b22222>");
     size_t to = golden.find("<span class=help>");
     golden.replace(from, to - from, expected_text);

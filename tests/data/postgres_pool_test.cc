@@ -152,8 +152,8 @@ TEST_F(PostgresPool, ARequestFindingThePoolInUseWaitsThenFailsWithTheDPError) {
   const auto waited = std::chrono::steady_clock::now() - start;
   EXPECT_GE(waited, std::chrono::milliseconds(900));
   EXPECT_LT(waited, std::chrono::seconds(4));
-  EXPECT_TRUE(page.ErrorFlag);
-  EXPECT_EQ(page.ErrorKind, "DP");
+  EXPECT_TRUE(page.Error.Raised());
+  EXPECT_EQ(page.Error.Kind, ErrorKind::kDatabaseRefused);
 
   // A session given back while a request waits goes to that request.
   std::thread release([&] {

@@ -103,9 +103,9 @@ TEST_F(SpliceGuard, ARefusedListReadBecomesTheDSError) {
     TrapListError(page, error);
   }
   CloseDatabase(page);
-  EXPECT_EQ(page.ErrorKind, "DS");
+  EXPECT_EQ(page.Error.Kind, ErrorKind::kDataRead);
   EXPECT_EQ(page.Screen, screens::kErrorScreen);
-  EXPECT_EQ(page.ErrorText,
+  EXPECT_EQ(page.Error.Text,
             "<font color=#b22222><b>The following error was presented while attempting to retrieve "
             "data.</b></font><br><br>Error Number: -2147217900<br>A text value in the statement "
             "contains a single quote.");

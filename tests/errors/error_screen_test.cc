@@ -17,11 +17,11 @@ namespace error_numbers = ado::error_numbers;
 TEST(OpenDatabase, EmptyConnectionStringIsADBError) {
   Page page;
   OpenDatabase(page);
-  EXPECT_TRUE(page.ErrorFlag);
-  EXPECT_EQ(page.ErrorKind, "DB");
+  EXPECT_TRUE(page.Error.Raised());
+  EXPECT_EQ(page.Error.Kind, ErrorKind::kCannotConnect);
   EXPECT_EQ(page.Screen, screens::kErrorScreen);
   EXPECT_EQ(
-      page.ErrorText,
+      page.Error.Text,
       "<font color=#b22222><b>The following error was presented when trying to connect to the "
       "database.</b></font><br><br>Error Number: -2146824582<br>Provider cannot be found. The "
       "connection string names no Provider.");
@@ -31,7 +31,7 @@ TEST(OpenDatabase, SuccessLeavesTheConnectionOpenUntilClosed) {
   Page page;
   page.props.ConnectionString = "Provider=SQLite;Data Source=:memory:";
   OpenDatabase(page);
-  EXPECT_FALSE(page.ErrorFlag);
+  EXPECT_FALSE(page.Error.Raised());
   EXPECT_EQ(page.Screen, screens::kLogin);
   ASSERT_NE(page.Connection, nullptr);
   EXPECT_EQ(page.Connection->State(), ado::adStateOpen);
@@ -48,10 +48,10 @@ TEST(TrapDatabaseError, ReportsAFailedStatementAsTheOpenerDoes) {
   Page page;
   page.Screen = screens::kLogin;
   TrapDatabaseError(page, DatabaseError(error_numbers::kErrorsInCommand, "no such table: Users"));
-  EXPECT_TRUE(page.ErrorFlag);
-  EXPECT_EQ(page.ErrorKind, "DB");
+  EXPECT_TRUE(page.Error.Raised());
+  EXPECT_EQ(page.Error.Kind, ErrorKind::kCannotConnect);
   EXPECT_EQ(page.Screen, screens::kErrorScreen);
-  EXPECT_EQ(page.ErrorText,
+  EXPECT_EQ(page.Error.Text,
             "<font color=#b22222><b>The following error was presented when trying to connect to "
             "the database.</b></font><br><br>Error Number: -2147217900<br>no such table: Users");
 }
@@ -59,17 +59,17 @@ TEST(TrapDatabaseError, ReportsAFailedStatementAsTheOpenerDoes) {
 TEST(TrapDatabaseError, EFailIsADPError) {
   Page page;
   TrapDatabaseError(page, DatabaseError(error_numbers::kFail, "database is locked"));
-  EXPECT_EQ(page.ErrorKind, "DP");
+  EXPECT_EQ(page.Error.Kind, ErrorKind::kDatabaseRefused);
 }
 
 TEST(TrapListError, SetsTheDSErrorAndTheErrorScreen) {
   Page page;
   page.Screen = screens::kMonthView;
   TrapListError(page, DatabaseError(error_numbers::kErrorsInCommand, "no such column: Heading"));
-  EXPECT_TRUE(page.ErrorFlag);
-  EXPECT_EQ(page.ErrorKind, "DS");
+  EXPECT_TRUE(page.Error.Raised());
+  EXPECT_EQ(page.Error.Kind, ErrorKind::kDataRead);
   EXPECT_EQ(page.Screen, screens::kErrorScreen);
-  EXPECT_EQ(page.ErrorText,
+  EXPECT_EQ(page.Error.Text,
             "<font color=#b22222><b>The following error was presented while attempting to retrieve "
             "data.</b></font><br><br>Error Number: -2147217900<br>no such column: Heading");
 }
@@ -78,7 +78,7 @@ TEST(TrapListError, TheEnginesMessageIsEscaped) {
   Page page;
   TrapListError(
       page, DatabaseError(error_numbers::kErrorsInCommand, "near \"<b>\": syntax error & more"));
-  EXPECT_NE(page.ErrorText.find("near &quot;&lt;b&gt;&quot;: syntax error &amp; more"),
+  EXPECT_NE(page.Error.Text.find("near &quot;&lt;b&gt;&quot;: syntax error &amp; more"),
             std::string::npos);
 }
 
@@ -94,7 +94,7 @@ TEST(ErrorScreen, PermissionAdviceForDP) {
   page.props.ConnectionString =
       "Provider=SQLite;Data Source=/nonexistent-tidewell-folder/calendar.db";
   OpenDatabase(page);
-  EXPECT_EQ(page.ErrorKind, "DP");
+  EXPECT_EQ(page.Error.Kind, ErrorKind::kDatabaseRefused);
   ErrorScreen(page);
   EXPECT_TRUE(MatchesGolden(page.PageBuffer, "error_screen_dp.html"));
 }
@@ -110,9 +110,8 @@ TEST(ErrorScreen, DataServerAdviceForDS) {
 TEST(ErrorScreen, OtherKindsGetNoAdvice) {
   Page page;
   page.props.TidewellColor = "#b0c4de";
-  page.ErrorFlag = true;
-  page.ErrorKind = "LA";
-  page.ErrorText =
+  page.Error.Kind = ErrorKind::kLoginRefused;
+  page.Error.Text =
       "<font color=#b22222><b>The Username and/or Password you have entered is "
       "invalid.</b></font><br><br>";
   ErrorScreen(page);
@@ -125,8 +124,8 @@ TEST(ErrorScreen, AppendsAndClearsNothing) {
   TrapListError(page, DatabaseError(error_numbers::kErrorsInCommand, "x"));
   ErrorScreen(page);
   EXPECT_EQ(page.PageBuffer.rfind("[before]<!-- ErrorScreen Start -->", 0), 0u);
-  EXPECT_TRUE(page.ErrorFlag);
-  EXPECT_EQ(page.ErrorKind, "DS");
+  EXPECT_TRUE(page.Error.Raised());
+  EXPECT_EQ(page.Error.Kind, ErrorKind::kDataRead);
 }
 
 }  // namespace

@@ -44,10 +44,12 @@ TEST(Metrics, TheHistogramIsCumulativeAndCountsEveryAnswer) {
 
 TEST(Metrics, CountsWhatPagesSawAndThePools) {
   Metrics metrics;
-  metrics.CountPage(3, "", 0, LoginRefusal::kNone);
-  metrics.CountPage(2, "LA", 0, LoginRefusal::kCredentials);
-  metrics.CountPage(0, "DP", 2, LoginRefusal::kNone);
-  metrics.CountPage(1, "DS", 0, LoginRefusal::kThrottled);
+  metrics.CountPage(3, ErrorKind::kNone, 0, LoginRefusal::kNone);
+  metrics.CountPage(2, ErrorKind::kLoginRefused, 0, LoginRefusal::kCredentials);
+  metrics.CountPage(0, ErrorKind::kDatabaseRefused, 2, LoginRefusal::kNone);
+  metrics.CountPage(1, ErrorKind::kDataRead, 0, LoginRefusal::kThrottled);
+  // A posted date that reads as no date is the visitor's error, not the database's.
+  metrics.CountPage(0, ErrorKind::kInvalidDate, 0, LoginRefusal::kNone);
   metrics.CountEscapedDatabaseError();
   std::string text = metrics.Exposition({.in_use = 2, .idle = 5, .waiting = 1});
   for (const char* line :

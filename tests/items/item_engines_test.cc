@@ -91,7 +91,7 @@ TYPED_TEST_SUITE(ItemUpdatesOnEngine, testing::Engines, testing::EngineNames);
 TYPED_TEST(ItemUpdatesOnEngine, AddLeavesUncheckedBoxesToTheColumnDefaults) {
   this->Posted(false, false);
   ProcessItemAction(this->page_, "a");
-  EXPECT_FALSE(this->page_.ErrorFlag) << this->page_.ErrorText;
+  EXPECT_FALSE(this->page_.Error.Raised()) << this->page_.Error.Text;
   EXPECT_EQ(this->Row(this->LastItem()), "Harbour|10|-|-|bob");
 }
 
@@ -108,7 +108,7 @@ TYPED_TEST(ItemUpdatesOnEngine, UpdateWritesBothBoxesEitherWay) {
   this->page_.ItemId = id;
   this->Posted(false, true, "Harbour moved");
   ProcessItemAction(this->page_, "u");
-  EXPECT_FALSE(this->page_.ErrorFlag) << this->page_.ErrorText;
+  EXPECT_FALSE(this->page_.Error.Raised()) << this->page_.Error.Text;
   EXPECT_EQ(this->Row(id), "Harbour moved|10|-|complete|bob");
 }
 
@@ -123,7 +123,7 @@ TYPED_TEST(ItemUpdatesOnEngine, AnotherUsersItemIsNeitherChangedDeletedNorLoaded
   values.heading = "untouched";
   EXPECT_FALSE(LoadItemForEdit(this->page_, carols, values));
   EXPECT_EQ(values.heading, "untouched");
-  EXPECT_FALSE(this->page_.ErrorFlag) << this->page_.ErrorText;
+  EXPECT_FALSE(this->page_.Error.Raised()) << this->page_.Error.Text;
   EXPECT_EQ(this->Row(carols), before);
 }
 

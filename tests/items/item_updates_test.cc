@@ -185,8 +185,8 @@ TEST_F(ItemUpdatesTest, InvalidDateWritesNothingAndDrawsTheFormAgain) {
   std::string html = visit.Show();
   EXPECT_TRUE(Items().empty());
   const Page& page = visit.page();
-  EXPECT_TRUE(page.ErrorFlag);
-  EXPECT_EQ(page.ErrorKind, "D");
+  EXPECT_TRUE(page.Error.Raised());
+  EXPECT_EQ(page.Error.Kind, ErrorKind::kInvalidDate);
   EXPECT_EQ(page.Screen, screens::kItemForm);
   EXPECT_NE(html.find("<font color=#b22222><b>You have entered an invalid date, please choose "
                       "another date.</b></font><br><br>Owner:<br>"),
@@ -198,7 +198,7 @@ TEST_F(ItemUpdatesTest, EmptyDateIsRefusedLikeAnyOtherNonDate) {
   SiteVisit visit = Post("4/3", kBob, id);
   FillForm(visit, kBob, "u", {{"datestamp", ""}});
   visit.Show();
-  EXPECT_EQ(visit.page().ErrorKind, "D");
+  EXPECT_EQ(visit.page().Error.Kind, ErrorKind::kInvalidDate);
   EXPECT_EQ(Items().at(0).heading, "Harbour");
 }
 
@@ -279,7 +279,7 @@ TEST_F(ItemUpdatesTest, UpdatingAnotherUsersItemByEditingTheRequestChangesNothin
   auto after = Items();
   ASSERT_EQ(after.size(), 1u);
   ExpectSame(after[0], before);
-  EXPECT_FALSE(visit.page().ErrorFlag);  // and nothing is said
+  EXPECT_FALSE(visit.page().Error.Raised());  // and nothing is said
 }
 
 TEST_F(ItemUpdatesTest, UpdateOfAnItemThatIsGoneWritesNothing) {
@@ -287,7 +287,7 @@ TEST_F(ItemUpdatesTest, UpdateOfAnItemThatIsGoneWritesNothing) {
   FillForm(visit, kBob, "u");
   visit.Show();
   EXPECT_TRUE(Items().empty());
-  EXPECT_FALSE(visit.page().ErrorFlag);
+  EXPECT_FALSE(visit.page().Error.Raised());
 }
 
 // --- Delete ---
@@ -339,7 +339,7 @@ TEST_F(ItemUpdatesTest, HourThatIsNoNumberBecomesTheDatabaseErrorScreen) {
   FillForm(visit, kBob, "a", {{"timestamp", "ten"}});
   std::string html = visit.Show();
   EXPECT_TRUE(Items().empty());
-  EXPECT_EQ(visit.page().ErrorKind, "DP");
+  EXPECT_EQ(visit.page().Error.Kind, ErrorKind::kDatabaseRefused);
   EXPECT_EQ(visit.page().Screen, screens::kErrorScreen);
   EXPECT_NE(html.find("<font color=#b22222><b>The following error was presented when trying to "
                       "connect to the database.</b></font><br><br>Error Number: 13<br>Type "
@@ -352,7 +352,7 @@ TEST_F(ItemUpdatesTest, FailedWriteBecomesTheDPErrorScreen) {
   SiteVisit visit = Post("4/0", kBob);
   FillForm(visit, kBob, "a");
   std::string html = visit.Show();
-  EXPECT_EQ(visit.page().ErrorKind, "DP");
+  EXPECT_EQ(visit.page().Error.Kind, ErrorKind::kDatabaseRefused);
   EXPECT_EQ(visit.page().Screen, screens::kErrorScreen);
   EXPECT_NE(html.find("<!-- ErrorScreen Start -->"), std::string::npos);
   EXPECT_NE(html.find("<b>Access Database:</b>"), std::string::npos);
@@ -363,7 +363,7 @@ TEST_F(ItemUpdatesTest, FailedDeletionBecomesTheDPErrorScreen) {
   database_.Execute("DROP TABLE Items");
   SiteVisit visit = Visit();
   visit.Link("~3~11/25/2026~9~5d~" + InLink(kBob) + "~~~").Show();
-  EXPECT_EQ(visit.page().ErrorKind, "DP");
+  EXPECT_EQ(visit.page().Error.Kind, ErrorKind::kDatabaseRefused);
   EXPECT_EQ(visit.page().Screen, screens::kErrorScreen);
 }
 

@@ -112,7 +112,7 @@ class SearchOnEngine : public ::testing::Test {
     page.User.ShowAllGroupUsers = whole_group;
     page.Connection = connection_;
     ProcessSearch(page);
-    EXPECT_FALSE(page.ErrorFlag) << page.ErrorText;
+    EXPECT_FALSE(page.Error.Raised()) << page.Error.Text;
     return page.SearchResults;
   }
 

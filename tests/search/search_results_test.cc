@@ -83,9 +83,9 @@ TEST_F(SearchResultsTest, AnInvalidStartDateIsRefusedBeforeAnyQuery) {
 TEST_F(SearchResultsTest, AnInvalidEndDateIsRefusedWithKindD) {
   testing::SiteVisit visit = Search(kCarol, kCarol, "Harbour", "11/1/2026", "11/31/2026");
   std::string html = visit.Show();
-  EXPECT_TRUE(visit.page().ErrorFlag);
-  EXPECT_EQ(visit.page().ErrorKind, "D");
-  EXPECT_EQ(visit.page().ErrorText, kInvalidEndDate);
+  EXPECT_TRUE(visit.page().Error.Raised());
+  EXPECT_EQ(visit.page().Error.Kind, ErrorKind::kInvalidDate);
+  EXPECT_EQ(visit.page().Error.Text, kInvalidEndDate);
   EXPECT_EQ(visit.page().Screen, screens::kSearch);
   EXPECT_EQ(visit.page().SearchResults, "");
 }
@@ -136,7 +136,7 @@ TEST_F(SearchResultsTest, ASearchTextWithAQuoteLeadsToTheDatabaseErrorPath) {
   AddNovemberItem(kCarol, 12, "Carol's harbour");
   testing::SiteVisit visit = Search(kCarol, kCarol, "Carol's");
   std::string html = visit.Show();
-  EXPECT_TRUE(visit.page().ErrorFlag);
+  EXPECT_TRUE(visit.page().Error.Raised());
   EXPECT_EQ(visit.page().Screen, screens::kErrorScreen);
   EXPECT_NE(html.find("<!-- ErrorScreen Start -->"), std::string::npos);
   EXPECT_NE(html.find("The following error was presented when trying to connect to the "

@@ -92,7 +92,7 @@ TEST_F(SearchScopeTest, AnOwnerThatIsNoKeySearchesTheOwnCalendarWithoutError) {
   for (const char* owner : {"", "nobody", "x' OR '1'='1", "0b0b0b0b0b0b0b0b0b0b0b0b0b0b0b0b.1.2"}) {
     testing::SiteVisit visit = Search(kBob, owner, "Tide");
     EXPECT_EQ(FoundHeadings(visit.Show()), (Strings{"Tide bob"})) << owner;
-    EXPECT_FALSE(visit.page().ErrorFlag) << owner;
+    EXPECT_FALSE(visit.page().Error.Raised()) << owner;
   }
 }
 

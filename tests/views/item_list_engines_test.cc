@@ -96,7 +96,7 @@ TYPED_TEST(ItemListOnEngine, EveryListReadsTheItemsInTheEnginesDialect) {
   for (long mode : {list_modes::kMonthCell, list_modes::kWeekRow, list_modes::kDayRow,
                     list_modes::kTimeTable}) {
     std::string list = this->List(mode, TypeParam::kDialect);
-    EXPECT_FALSE(this->page_.ErrorFlag) << this->page_.ErrorText;
+    EXPECT_FALSE(this->page_.Error.Raised()) << this->page_.Error.Text;
     EXPECT_NE(list.find("Standup"), std::string::npos) << mode << " " << list;
     EXPECT_EQ(list.find("Rounds"), std::string::npos) << mode;
   }
@@ -108,7 +108,7 @@ TYPED_TEST(ItemListOnEngine, EveryListReadsTheItemsInTheEnginesDialect) {
 TYPED_TEST(ItemListOnEngine, TheWholeGroupIsReadInTheEnginesDialect) {
   this->page_.User.ShowAllGroupUsers = true;
   std::string table = this->List(list_modes::kTimeTable, TypeParam::kDialect);
-  EXPECT_FALSE(this->page_.ErrorFlag) << this->page_.ErrorText;
+  EXPECT_FALSE(this->page_.Error.Raised()) << this->page_.Error.Text;
   EXPECT_NE(table.find(">Standup<"), std::string::npos);
   EXPECT_NE(table.find(">Rounds<"), std::string::npos);
   EXPECT_NE(table.find(">Read Only<"), std::string::npos);
@@ -117,8 +117,8 @@ TYPED_TEST(ItemListOnEngine, TheWholeGroupIsReadInTheEnginesDialect) {
 TYPED_TEST(ItemListOnEngine, TheOtherDialectFailsAsTheDataServerError) {
   std::string list = this->List(list_modes::kMonthCell, TypeParam::kOtherDialect);
   EXPECT_EQ(list, "&nbsp;");
-  EXPECT_TRUE(this->page_.ErrorFlag);
-  EXPECT_EQ(this->page_.ErrorKind, "DS");
+  EXPECT_TRUE(this->page_.Error.Raised());
+  EXPECT_EQ(this->page_.Error.Kind, ErrorKind::kDataRead);
   EXPECT_EQ(this->page_.Screen, screens::kErrorScreen);
 }
 

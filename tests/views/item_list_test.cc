@@ -364,15 +364,15 @@ TEST_F(ItemList, TextThatIsNoDateIsSplicedUnchangedAndTheStatementFails) {
   std::string date = "Tuesday";
   EXPECT_EQ(BuildItemList(page_, list_modes::kMonthCell, date, 0), "&nbsp;");
   EXPECT_EQ(date, "Tuesday");
-  EXPECT_TRUE(page_.ErrorFlag);
-  EXPECT_EQ(page_.ErrorKind, "DS");
+  EXPECT_TRUE(page_.Error.Raised());
+  EXPECT_EQ(page_.Error.Kind, ErrorKind::kDataRead);
 }
 
 TEST_F(ItemList, AnyOtherModeIsANonBreakingSpace) {
   for (long mode : {-1L, 5L, 7L, 9L, 16L}) {
     EXPECT_EQ(List(mode, kTuesday), "&nbsp;") << mode;
   }
-  EXPECT_FALSE(page_.ErrorFlag);
+  EXPECT_FALSE(page_.Error.Raised());
 }
 
 // --- Failure ---
@@ -380,10 +380,10 @@ TEST_F(ItemList, AnyOtherModeIsANonBreakingSpace) {
 TEST_F(ItemList, AFailingStatementBecomesTheDataServerErrorOfTheRequest) {
   page_.props.DataServer = ASPDataServer::SQLServer;  // quoted dates: Jet's type mismatch
   EXPECT_EQ(List(list_modes::kMonthCell, kTuesday), "&nbsp;");
-  EXPECT_TRUE(page_.ErrorFlag);
-  EXPECT_EQ(page_.ErrorKind, "DS");
+  EXPECT_TRUE(page_.Error.Raised());
+  EXPECT_EQ(page_.Error.Kind, ErrorKind::kDataRead);
   EXPECT_EQ(page_.Screen, screens::kErrorScreen);
-  EXPECT_EQ(page_.ErrorText,
+  EXPECT_EQ(page_.Error.Text,
             "<font color=#b22222><b>The following error was presented while attempting to "
             "retrieve data.</b></font><br><br>Error Number: -2147217913<br>Data type mismatch "
             "in criteria expression.");
@@ -392,9 +392,9 @@ TEST_F(ItemList, AFailingStatementBecomesTheDataServerErrorOfTheRequest) {
 TEST_F(ItemList, AListWithoutAConnectionIsTheDataServerError) {
   page_.Connection.reset();
   for (long mode : {list_modes::kMonthCell, list_modes::kTimeTable, list_modes::kItemOwners}) {
-    page_.ErrorFlag = false;
+    page_.Error = {};
     EXPECT_EQ(List(mode, kTuesday, 9), "&nbsp;") << mode;
-    EXPECT_EQ(page_.ErrorKind, "DS") << mode;
+    EXPECT_EQ(page_.Error.Kind, ErrorKind::kDataRead) << mode;
   }
 }
 
@@ -402,8 +402,8 @@ TEST_F(ItemList, ASortCodeNoHeaderMadeFailsTheStatementInsteadOfReachingTheEngin
   page_.SortOrder = "T*D; DELETE FROM Items";
   AddItem({.date = kTuesday});
   EXPECT_EQ(List(list_modes::kWeekRow, kTuesday), "&nbsp;");
-  EXPECT_EQ(page_.ErrorKind, "DS");
-  page_.ErrorFlag = false;
+  EXPECT_EQ(page_.Error.Kind, ErrorKind::kDataRead);
+  page_.Error = {};
   page_.SortOrder = "";
   EXPECT_NE(List(list_modes::kWeekRow, kTuesday), "&nbsp;");  // the item is still there
 }

@@ -121,7 +121,7 @@ TEST_F(OptionLists, RedundantGroupsWhenEveryGroupHasMembersIsANonBreakingSpace) 
 
 TEST_F(OptionLists, AnyOtherListNameIsANonBreakingSpace) {
   EXPECT_EQ(Options(list_modes::kUsersOrGroups, "Items"), "&nbsp;");
-  EXPECT_FALSE(page_.ErrorFlag);
+  EXPECT_FALSE(page_.Error.Raised());
 }
 
 // --- Mode 15: whose calendars a search covers ---
@@ -187,7 +187,7 @@ TEST_F(OptionLists, AnyOtherUserSearchesOnlyHimself) {
 TEST_F(OptionLists, AFailingListBecomesTheDataServerError) {
   page_.UserKey = "it's";
   EXPECT_EQ(Options(list_modes::kItemOwners), "&nbsp;");
-  EXPECT_EQ(page_.ErrorKind, "DS");
+  EXPECT_EQ(page_.Error.Kind, ErrorKind::kDataRead);
 }
 
 }  // namespace

@@ -59,7 +59,7 @@ struct ViewRequest {
 struct Drawing {
   std::string html;  // the page buffer: the frame's opening and the view
   bool error_flag = false;
-  std::string error_kind;
+  ErrorKind error_kind = ErrorKind::kNone;
   std::string error_text;
   long screen = 0;
   long long statements_run = 0;  // by the page's connection while the view drew
@@ -160,9 +160,9 @@ inline Drawing DrawView(const RandomCalendar& calendar, const ViewRequest& reque
       break;
   }
   return {.html = page.PageBuffer,
-          .error_flag = page.ErrorFlag,
-          .error_kind = page.ErrorKind,
-          .error_text = page.ErrorText,
+          .error_flag = page.Error.Raised(),
+          .error_kind = page.Error.Kind,
+          .error_text = page.Error.Text,
           .screen = page.Screen,
           .statements_run = StatementsRunBy(*connection) - run_before};
 }

@@ -185,7 +185,7 @@ class ViewListsEquivalence : public ::testing::Test {
     // Pages that both fail are alike whatever the lists hold: only the designed failures may.
     EXPECT_EQ(one.error_flag, FailsByDesign(request)) << where << "\n" << one.error_text;
     if (one.error_flag) {
-      EXPECT_EQ(one.error_kind, "DS") << where;
+      EXPECT_EQ(one.error_kind, ErrorKind::kDataRead) << where;
       EXPECT_EQ(one.screen, screens::kErrorScreen) << where;
     }
     if (!one.error_flag && request.sort != kColumnPositionSort) {
