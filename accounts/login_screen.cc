@@ -2,9 +2,9 @@
 
 #include <string>
 
-#include "page/link_codec.h"
-#include "page/page.h"
 #include "frame/markup.h"
+#include "page/page.h"
+#include "page/screen_links.h"
 
 namespace tidewell {
 namespace {
@@ -23,8 +23,7 @@ void AppendBodyFrame(Page& page) {
 void AppendLoginForm(Page& page) {
   std::string& out = page.PageBuffer;
   out += "<form action=" +
-         BuildLink(page, page.Screen, page.CurrentDate, page.CurrentHour, 0, page.UserKey,
-                   page.SortOrder, page.AdminKey) +
+         LinkTo(page, page.Screen) +
          " method=post name=addmodify onsubmit=\"return validator(this)\" >";
   out += "Username:<br>";
   out += "<input maxlength=15 type=text class=text name=username size=20 ><br>";

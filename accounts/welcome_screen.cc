@@ -2,9 +2,9 @@
 
 #include <string>
 
-#include "page/link_codec.h"
-#include "page/page.h"
 #include "frame/markup.h"
+#include "page/page.h"
+#include "page/screen_links.h"
 
 namespace tidewell {
 namespace {
@@ -24,8 +24,7 @@ void AppendBodyFrame(Page& page) {
 void AppendNextForm(Page& page) {
   std::string& out = page.PageBuffer;
   out += "<form action=" +
-         BuildLink(page, page.Screen, page.CurrentDate, page.CurrentHour, 0, page.UserKey,
-                   page.SortOrder, page.AdminKey) +
+         LinkTo(page, page.Screen) +
          " method=post name=addmodify>";
   out += "<input type=submit class=text value=Next name=submit>";
   out += "<input type=hidden class=text value=y name=welcome>";

@@ -2,7 +2,6 @@
 
 #include <string>
 
-#include "page/link_codec.h"
 #include "page/page.h"
 #include "page/screen_links.h"
 #include "runtime/clock.h"
@@ -45,14 +44,13 @@ void AppendAdministratorButtonWhenAdministrator(Page& page) {
 // The login screen with the state as it is.
 void AppendLoginButton(Page& page) {
   AppendButton(page, "Login User",
-               BuildLink(page, "6", page.CurrentDate, page.CurrentHour, 0, page.UserKey,
-                         page.SortOrder, page.AdminKey),
+               LinkTo(page, screens::kLogin),
                "nav_login.gif width=49 height=31 align=absmiddle border=0");
 }
 
 // The login screen on the present date and time, with no key: following it forgets the user.
 void AppendLogoutButton(Page& page) {
-  AppendButton(page, "Logout / Change User", BuildLink(page, "6", Now(), 0, 0, "", "", ""),
+  AppendButton(page, "Logout / Change User", SignedOutLink(page),
                "nav_login.gif width=49 height=31 align=absmiddle border=0");
 }
 

@@ -2,19 +2,17 @@
 
 #include <string>
 
-#include "page/link_codec.h"
 #include "page/page.h"
+#include "page/screen_links.h"
 #include "runtime/dates.h"
 
 namespace tidewell {
 namespace {
 
-// One step link: the same screen on `target`, "/p" or "/n" after the screen code.
-void AppendStep(Page& page, const char* title, const char* direction, Date target,
+// One step link: the same screen on `target`, stepping back or on.
+void AppendStep(Page& page, const char* title, Step step, Date target,
                 const char* image) {
-  std::string f1 = std::to_string(page.Screen) + direction;
-  std::string link =
-      BuildLink(page, f1, target, page.CurrentHour, 0, page.UserKey, page.SortOrder, page.AdminKey);
+  std::string link = LinkTo(page, ScreenSteppingTo(page.Screen, step), {.date = target});
   page.PageBuffer += "<a title=\"" + std::string(title) + "\" href=" + link +
                      " ><img src=" + page.props.ImagePath + image;
 }
@@ -37,16 +35,16 @@ void AppendMonthRow(Page& page) {
   out += "<table align=right width=90% height=30 cellpadding=0 cellspacing=0 border=0>";
   out += "<tr>";
   out += "<td align=center valign=bottom width=85 >";
-  AppendStep(page, "Previous Year", "/p", DateAdd("yyyy", -1, date),
+  AppendStep(page, "Previous Year", Step::kBack, DateAdd("yyyy", -1, date),
              "nav_prev_year.gif width=40 height=25 align=absmiddle border=0></a>");
-  AppendStep(page, "Previous Month", "/p", DateAdd("m", -1, date),
+  AppendStep(page, "Previous Month", Step::kBack, DateAdd("m", -1, date),
              "nav_prev_month.gif width=40 height=25 align=absmiddle border=0></a>");
   out += "</td><td class=mwdname align=center valign=bottom >";
   out += "<b>" + MonthName(Month(date)) + " " + std::to_string(Year(date)) + "</b>";
   out += "</td><td align=center valign=bottom width=85 >";
-  AppendStep(page, "Next Month", "/n", DateAdd("m", 1, date),
+  AppendStep(page, "Next Month", Step::kOn, DateAdd("m", 1, date),
              "nav_next_month.gif width=40 height=25 align=absmiddle border=0></a>");
-  AppendStep(page, "Next Year", "/n", DateAdd("yyyy", 1, date),
+  AppendStep(page, "Next Year", Step::kOn, DateAdd("yyyy", 1, date),
              "nav_next_year.gif width=40 height=25 align=absmiddle border=0></a>&nbsp;");
   out += "</td>";
   out += "</tr>";

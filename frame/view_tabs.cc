@@ -2,20 +2,22 @@
 
 #include <string>
 
-#include "page/link_codec.h"
 #include "page/page.h"
+#include "page/screen_links.h"
 
 namespace tidewell {
 namespace {
 
+// A tab opens its view stepping on, so the week view seen from a tab starts as from the month
+// it lies in.
 struct Tab {
-  const char* screen;  // f1 of the tab's link
+  long screen;
   const char* name;
 };
-constexpr Tab kMonth{"0/n", "MonthView"};
-constexpr Tab kWeek{"1/n", "WeekView"};
-constexpr Tab kDay{"2/n", "DayView"};
-constexpr Tab kTime{"3/n", "TimeView"};
+constexpr Tab kMonth{screens::kMonthView, "MonthView"};
+constexpr Tab kWeek{screens::kWeekView, "WeekView"};
+constexpr Tab kDay{screens::kDayView, "DayView"};
+constexpr Tab kTime{screens::kTimeView, "TimeView"};
 
 // The image texts of the edge cells.
 constexpr const char* kLeftSelected = "tb_left_sel.gif width=5 height=21 border=0></td>";
@@ -33,8 +35,8 @@ constexpr const char* kRightClosingStrip =
 enum class Spacing { kUsual, kMonthStrip, kTimeTab };
 
 std::string TabLink(const Page& page, const Tab& tab) {
-  return BuildLink(page, tab.screen, page.CurrentDate, page.props.DefaultStartHour, 0, page.UserKey,
-                   page.SortOrder, page.AdminKey);
+  return LinkTo(page, ScreenSteppingTo(tab.screen, Step::kOn),
+                {.hour = page.props.DefaultStartHour});
 }
 
 // " title="Display MonthView" >&nbsp;MonthView&nbsp;</a></td>"

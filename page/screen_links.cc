@@ -2,24 +2,57 @@
 
 #include "page/link_codec.h"
 #include "page/page.h"
+#include "runtime/clock.h"
 #include "runtime/conversions.h"
 
 namespace tidewell {
+namespace {
 
-std::string ScreenReturningTo(long screen, long return_view) {
-  return std::to_string(screen) + "/" + std::to_string(return_view);
+// The screen field's text: the number, then "/" and the argument when there is one.
+std::string ScreenField(const LinkScreen& screen) {
+  std::string field = std::to_string(screen.screen);
+  if (!screen.argument.empty()) field += "/" + screen.argument;
+  return field;
+}
+
+}  // namespace
+
+LinkScreen ScreenReturningTo(long screen, long return_view) {
+  return {screen, std::to_string(return_view)};
+}
+
+LinkScreen ScreenSteppingTo(long screen, Step step) {
+  return {screen, step == Step::kBack ? "p" : "n"};
+}
+
+void AppendLinkTo(std::string& out, const Page& page, const LinkScreen& screen,
+                  const LinkChanges& changes) {
+  AppendLink(out, page, ScreenField(screen), changes.date ? *changes.date : page.CurrentDate,
+             changes.hour ? *changes.hour : Variant(page.CurrentHour), changes.item, page.UserKey,
+             changes.sort ? *changes.sort : Variant(page.SortOrder), page.AdminKey,
+             changes.suffix);
+}
+
+std::string LinkTo(const Page& page, const LinkScreen& screen, const LinkChanges& changes) {
+  return BuildLink(page, ScreenField(screen), changes.date ? *changes.date : page.CurrentDate,
+                   changes.hour ? *changes.hour : Variant(page.CurrentHour), changes.item,
+                   page.UserKey, changes.sort ? *changes.sort : Variant(page.SortOrder),
+                   page.AdminKey, changes.suffix);
+}
+
+std::string SignedOutLink(const Page& page) {
+  return BuildLink(page, ScreenField(screens::kLogin), Now(), 0, 0, "", "", "");
 }
 
 std::string ReturningLink(const Page& page, long screen, long item_id) {
-  return BuildLink(page, ScreenReturningTo(screen, page.ReturnView), page.CurrentDate,
-                   page.CurrentHour, item_id, page.UserKey, page.SortOrder, page.AdminKey);
+  return LinkTo(page, ScreenReturningTo(screen, page.ReturnView), {.item = item_id});
 }
 
 std::string DatePickerLink(const Page& page, long form_screen, const std::string& field_value,
                            std::string_view suffix) {
   const Variant month = IsDate(field_value) ? Variant(CDate(field_value)) : page.CurrentDate;
-  return BuildLink(page, ScreenReturningTo(screens::kDatePicker, form_screen), month,
-                   page.CurrentHour, 0, page.UserKey, page.SortOrder, page.AdminKey, suffix);
+  return LinkTo(page, ScreenReturningTo(screens::kDatePicker, form_screen),
+                {.date = month, .suffix = suffix});
 }
 
 }  // namespace tidewell

@@ -3,11 +3,11 @@
 #include <optional>
 #include <string>
 
-#include "page/link_codec.h"
-#include "page/page.h"
-#include "errors/database_errors.h"
 #include "data/recordset.h"
+#include "errors/database_errors.h"
 #include "frame/markup.h"
+#include "page/page.h"
+#include "page/screen_links.h"
 #include "runtime/automation_error.h"
 #include "runtime/conversions.h"
 
@@ -98,8 +98,13 @@ std::string AsShown(const Page& page, bool complete, const std::string& value) {
 
 // The time view of the item's date and hour with the item selected, in the searcher's calendar.
 std::string TimeViewLink(const Page& page, Recordset& rs) {
-  return BuildLink(page, "3/n", rs.Fields("DateStamp").Value(), rs.Fields("TimeStamp").Value(),
-                   rs.Fields("ItemID").Value(), page.UserKey, "", page.AdminKey);
+  // The search's links have always stepped "on" and carried no sort; the time view reads
+  // neither.
+  return LinkTo(page, ScreenSteppingTo(screens::kTimeView, Step::kOn),
+                {.date = rs.Fields("DateStamp").Value(),
+                 .hour = rs.Fields("TimeStamp").Value(),
+                 .item = rs.Fields("ItemID").Value(),
+                 .sort = ""});
 }
 
 std::string ItemRow(const Page& page, Recordset& rs) {

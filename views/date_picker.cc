@@ -3,7 +3,6 @@
 #include <string>
 
 #include "page/date_helpers.h"
-#include "page/link_codec.h"
 #include "page/page.h"
 #include "page/screen_links.h"
 #include "runtime/clock.h"
@@ -74,9 +73,10 @@ CellKind CurrentMonthKind(const PickerGrid& grid, int month, int day, int year) 
 // The arrows lead to the same screen and target a month away; the suffix rides along, so a
 // search's end date stays the end date.
 std::string MonthLink(const Page& page, long months) {
-  return BuildLink(page, ScreenReturningTo(page.Screen, page.ReturnView),
-                   DateAdd("m", months, page.CurrentDate), page.CurrentHour, page.ItemId,
-                   page.UserKey, page.SortOrder, page.AdminKey, LinkSuffix(page));
+  return LinkTo(page, ScreenReturningTo(page.Screen, page.ReturnView),
+                {.date = DateAdd("m", months, page.CurrentDate),
+                 .item = page.ItemId,
+                 .suffix = LinkSuffix(page)});
 }
 
 void AppendMonthBar(Page& page) {

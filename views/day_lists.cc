@@ -2,9 +2,9 @@
 
 #include <string>
 
-#include "page/link_codec.h"
-#include "page/page.h"
 #include "frame/markup.h"
+#include "page/page.h"
+#include "page/screen_links.h"
 #include "views/item_list.h"
 #include "views/item_rows.h"
 
@@ -43,8 +43,8 @@ void AppendItemLink(std::string& out, const Page& page, long mode, const std::st
                     const ItemRow& row) {
   const bool cross_out = row.complete && page.props.CompletedItemCrossOut;
   out += "<a class=text href=";
-  AppendLink(out, page, "3", link_date, row.hour, row.item_id, page.UserKey, page.SortOrder,
-             page.AdminKey);
+  AppendLinkTo(out, page, screens::kTimeView,
+               {.date = link_date, .hour = row.hour, .item = row.item_id});
   out += " title=\"";
   AppendLongText(out, row);
   if (row.urgent) out += " ! ";
@@ -83,8 +83,8 @@ void AppendMoreClosing(std::string& out, const Page& page, long mode,
                        const std::string& link_date, const ItemRow& row) {
   if (mode == list_modes::kMonthCell) {
     out += "</td><td align=right width=18><a class=text href=";
-    AppendLink(out, page, "2", link_date, page.props.DefaultStartHour, 0, page.UserKey,
-               page.SortOrder, page.AdminKey);
+    AppendLinkTo(out, page, screens::kDayView,
+                 {.date = link_date, .hour = page.props.DefaultStartHour});
     out += " title=\"Show All Items.\"><img src=";
     out += page.props.ImagePath;
     out += "nav_more.gif width=16 height=16 align=absmiddle border=0 ></a></td></tr></table>";
@@ -92,11 +92,10 @@ void AppendMoreClosing(std::string& out, const Page& page, long mode,
   }
   out += "</td><td align=right width=40><a class=text href=";
   if (mode == list_modes::kWeekRow) {
-    AppendLink(out, page, "2", link_date, page.props.DefaultStartHour, 0, page.UserKey,
-               page.SortOrder, page.AdminKey);
+    AppendLinkTo(out, page, screens::kDayView,
+                 {.date = link_date, .hour = page.props.DefaultStartHour});
   } else {
-    AppendLink(out, page, "3", link_date, row.hour, 0, page.UserKey, page.SortOrder,
-               page.AdminKey);
+    AppendLinkTo(out, page, screens::kTimeView, {.date = link_date, .hour = row.hour});
   }
   out += " title=\"Show All Items.\">[More..]</a></td></tr></table>";
 }

@@ -3,9 +3,9 @@
 #include <string>
 #include <vector>
 
-#include "page/link_codec.h"
-#include "page/page.h"
 #include "frame/markup.h"
+#include "page/page.h"
+#include "page/screen_links.h"
 #include "runtime/clock.h"
 #include "runtime/conversions.h"
 #include "runtime/dates.h"
@@ -61,8 +61,7 @@ Paging PagingOf(const Page& page) {
 }
 
 std::string ViewLink(const Page& page, const Target& target) {
-  return BuildLink(page, page.Screen, target.date, target.hour, 0, page.UserKey, page.SortOrder,
-                   page.AdminKey);
+  return LinkTo(page, page.Screen, {.date = target.date, .hour = target.hour});
 }
 
 // The present hour of today is tinted when the page asks for it.
@@ -81,7 +80,7 @@ void AppendHourRow(Page& page, Date date, long hour, const std::string& items) {
   page.PageBuffer +=
       "<td class=dtname align=center valign=middle width=50 height=38><a "
       "class=dtname href=" +
-      BuildLink(page, "3", date, hour, 0, page.UserKey, page.SortOrder, page.AdminKey) + " ><b>" +
+      LinkTo(page, screens::kTimeView, {.date = date, .hour = hour}) + " ><b>" +
       FormatTwoDigits(hour) + ":00</b></a></td>" +
       "<td class=text align=left valign=middle width=560 height=38>" + items + "</td>" + "</tr>";
 }

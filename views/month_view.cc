@@ -1,12 +1,13 @@
 #include "views/month_view.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
-#include "page/date_helpers.h"
-#include "page/link_codec.h"
-#include "page/page.h"
 #include "frame/markup.h"
+#include "page/date_helpers.h"
+#include "page/page.h"
+#include "page/screen_links.h"
 #include "runtime/clock.h"
 #include "runtime/conversions.h"
 #include "runtime/dates.h"
@@ -89,17 +90,16 @@ std::string CellOpening(const MonthGrid& grid, CellKind kind, int day) {
 }
 
 // The small link to the week of the row, in a row's first cell.
-std::string WeekLink(const Page& page, const char* screen, const std::string& date_text) {
+std::string WeekLink(const Page& page, Step step, const std::string& date_text) {
   return "<a title=\"Display This Week\" href=" +
-         BuildLink(page, screen, date_text, page.CurrentHour, 0, page.UserKey, page.SortOrder,
-                   page.AdminKey) +
+         LinkTo(page, ScreenSteppingTo(screens::kWeekView, step), {.date = date_text}) +
          " ><img src=" + page.props.ImagePath +
          "icon_week.gif width=12 height=12 border=0 align=absmiddle ></a>";
 }
 
-// Appends the cell at `index`, with the link to its week when `week` names one ("1/p" or
-// "1/n"). False when its item list failed: the page is then back as it was before the view.
-bool AppendDayCell(MonthGrid& grid, size_t index, const char* week) {
+// Appends the cell at `index`, with the link to its week when `week` is set (stepping back when
+// the row starts in the previous month). False when its item list failed: the page is then back as it was before the view.
+bool AppendDayCell(MonthGrid& grid, size_t index, std::optional<Step> week) {
   Page& page = grid.page;
   const GridCell& cell = grid.cells[index];
   const std::string date_text = CStr(cell.date);
@@ -110,10 +110,9 @@ bool AppendDayCell(MonthGrid& grid, size_t index, const char* week) {
   }
   std::string& out = page.PageBuffer;
   out += CellOpening(grid, cell.kind, cell.day);
-  out += BuildLink(page, "2", date_text, page.props.DefaultStartHour, 0, page.UserKey,
-                   page.SortOrder, page.AdminKey);
+  out += LinkTo(page, screens::kDayView, {.date = date_text, .hour = page.props.DefaultStartHour});
   out += " ><b>" + FormatTwoDigits(cell.day) + "</b></a>&nbsp;";
-  if (week != nullptr) out += WeekLink(page, week, date_text);
+  if (week) out += WeekLink(page, *week, date_text);
   out += items;
   out += "</td>";
   return true;
@@ -158,8 +157,10 @@ void MonthView(Page& page, ListReading reading) {
     const size_t column = i % 7;
     const CellKind kind = grid.cells[i].kind;
     if (column == 0) page.PageBuffer += "<tr bgcolor=#ffffff>";
-    // A row's first cell links to its week: "1/p" when the row starts in the previous month.
-    const char* week = column != 0 ? nullptr : kind == CellKind::kCurrent ? "1/n" : "1/p";
+    // A row's first cell links to its week, stepping back when the row starts in the previous
+    // month.
+    std::optional<Step> week;
+    if (column == 0) week = kind == CellKind::kCurrent ? Step::kOn : Step::kBack;
     if (!AppendDayCell(grid, i, week)) return;
     // A row that ends in the next month closes in capitals.
     if (column == 6) page.PageBuffer += kind == CellKind::kCurrent ? "</tr>" : "</TR>";

@@ -2,9 +2,9 @@
 
 #include <string>
 
-#include "page/link_codec.h"
-#include "page/page.h"
 #include "frame/markup.h"
+#include "page/page.h"
+#include "page/screen_links.h"
 #include "runtime/conversions.h"
 #include "views/item_rows.h"
 
@@ -20,8 +20,8 @@ struct SortHeader {
   const char* direction;
 
   std::string Link(const char* column) const {
-    return BuildLink(page, "3", link_date, hour, 0, page.UserKey,
-                     std::string(column) + "*" + direction, page.AdminKey);
+    return LinkTo(page, screens::kTimeView,
+                  {.date = link_date, .hour = hour, .sort = std::string(column) + "*" + direction});
   }
 };
 
@@ -58,11 +58,12 @@ void AppendActionCell(std::string& out, const Page& page, const std::string& lin
     out += "<td class=text width=90 align=center >Read Only</td>";
     return;
   }
-  const std::string edit = BuildLink(page, "4", link_date, row.hour, row.item_id, page.UserKey,
-                                     page.SortOrder, page.AdminKey);
-  const std::string remove =
-      BuildLink(page, "3", link_date, hour, std::to_string(row.item_id) + "d", page.UserKey,
-                page.SortOrder, page.AdminKey);
+  const std::string edit =
+      LinkTo(page, screens::kItemForm, {.date = link_date, .hour = row.hour, .item = row.item_id});
+  // An item field ending in "d" asks for the item's deletion.
+  const std::string remove = LinkTo(
+      page, screens::kTimeView,
+      {.date = link_date, .hour = hour, .item = std::to_string(row.item_id) + "d"});
   out += "<td class=text width=90 align=right ><a class=text href=" + edit +
          " title=\"Edit this Item\" >[Edit]</a>&nbsp;<a class=text href=" + remove +
          " title=\"Delete this Item\" >[Delete]</a></td>";

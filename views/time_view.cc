@@ -2,9 +2,9 @@
 
 #include <string>
 
-#include "page/link_codec.h"
-#include "page/page.h"
 #include "frame/markup.h"
+#include "page/page.h"
+#include "page/screen_links.h"
 #include "runtime/clock.h"
 #include "runtime/conversions.h"
 #include "runtime/dates.h"
@@ -25,7 +25,7 @@ std::string HourLink(const Page& page, long step) {
     hour = 0;
     date = DateAdd("d", 1, date);
   }
-  return BuildLink(page, page.Screen, date, hour, 0, page.UserKey, page.SortOrder, page.AdminKey);
+  return LinkTo(page, page.Screen, {.date = date, .hour = hour});
 }
 
 // The hour's label, tinted when it is the present hour of today and the page asks for it.

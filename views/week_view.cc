@@ -4,10 +4,10 @@
 #include <utility>
 #include <vector>
 
-#include "page/date_helpers.h"
-#include "page/link_codec.h"
-#include "page/page.h"
 #include "frame/markup.h"
+#include "page/date_helpers.h"
+#include "page/page.h"
+#include "page/screen_links.h"
 #include "runtime/clock.h"
 #include "runtime/conversions.h"
 #include "runtime/dates.h"
@@ -57,15 +57,14 @@ std::string RowOpening(const Page& page, Date date, bool delta) {
 }
 
 void AppendHeading(Page& page, const WeekStart& start, Date start_date) {
-  auto link = [&page](const char* direction, Date target) {
-    return BuildLink(page, std::to_string(page.Screen) + direction, target, page.CurrentHour, 0,
-                     page.UserKey, page.SortOrder, page.AdminKey);
+  auto link = [&page](Step step, Date target) {
+    return LinkTo(page, ScreenSteppingTo(page.Screen, step), {.date = target});
   };
   const std::string title = "Week Starting " + WeekdayName(1) + ", " + MonthName(start.month) +
                             " " + std::to_string(start.day) + ", " + std::to_string(start.year);
   page.PageBuffer += "<!-- WeekView  start -->";
-  AppendPagingTitleBar(page, {"Previous Week", link("/p", DateAdd("d", -7, start_date))},
-                       {"Next Week", link("/n", DateAdd("d", 7, start_date))}, title);
+  AppendPagingTitleBar(page, {"Previous Week", link(Step::kBack, DateAdd("d", -7, start_date))},
+                       {"Next Week", link(Step::kOn, DateAdd("d", 7, start_date))}, title);
   AppendBodyTable(page);
 }
 
@@ -74,8 +73,7 @@ void AppendDayRow(Page& page, int weekday, Date date, const std::string& items) 
   page.PageBuffer +=
       "<td class=dtname align=center valign=middle width=50 height=65><a "
       "class=dtname href=" +
-      BuildLink(page, "2", date, page.props.DefaultStartHour, 0, page.UserKey, page.SortOrder,
-                page.AdminKey) +
+      LinkTo(page, screens::kDayView, {.date = date, .hour = page.props.DefaultStartHour}) +
       " ><b>" + WeekdayName(weekday, true) + "<br>" + std::to_string(Day(date)) + "</b></a></td>" +
       "<td class=text align=left valign=middle width=560 height=65>" + items + "</td>" + "</tr>";
 }
