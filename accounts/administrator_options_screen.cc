@@ -6,11 +6,11 @@
 
 #include "accounts/account_form.h"
 #include "accounts/password_fields.h"
+#include "frame/markup.h"
 #include "page/page.h"
 #include "page/screen_links.h"
-#include "frame/markup.h"
 #include "runtime/conversions.h"
-#include "views/item_list.h"
+#include "views/option_lists.h"
 
 namespace tidewell {
 namespace {
@@ -93,23 +93,6 @@ AccountValues FormValues(const Page& page) {
 bool ShowsAdministratorMark(const Page& page) {
   if (page.FirstAdministratorMode) return true;
   return page.UserKey == page.AdminKey && !page.NewUserMode;
-}
-
-// --- Lists ---
-
-std::string UserList(Page& page) {
-  std::string name = "Users";
-  return BuildItemList(page, list_modes::kUsersOrGroups, name, 0);
-}
-
-// The list builder marks the group of the page's user; the form marks its own choice.
-std::string GroupList(Page& page, long selected_group) {
-  const long user_group = page.UserGroupId;
-  page.UserGroupId = selected_group;
-  std::string name = "Groups";
-  std::string list = BuildItemList(page, list_modes::kUsersOrGroups, name, 0);
-  page.UserGroupId = user_group;
-  return list;
 }
 
 // --- Markup ---

@@ -3,21 +3,16 @@
 #include <string>
 #include <string_view>
 
+#include "frame/markup.h"
 #include "page/page.h"
 #include "page/screen_links.h"
-#include "frame/markup.h"
-#include "views/item_list.h"
+#include "views/option_lists.h"
 
 namespace tidewell {
 namespace {
 
 std::string Button(std::string_view value) {
   return "<input class=text type=submit name=submit value=\"" + std::string(value) + "\" >";
-}
-
-std::string GroupList(Page& page, const char* list_name) {
-  std::string name = list_name;
-  return BuildItemList(page, list_modes::kUsersOrGroups, name, 0);
 }
 
 void AppendRow(std::string& out, std::string_view first_cell, std::string_view middle_cell,
@@ -39,14 +34,14 @@ void AppendGroupTable(Page& page) {
   out += "</td>";
   out += "</tr>";
   AppendRow(out, "<td width=200 class=text><b>Change Group Name:</b></td>",
-            "<td class=text><select class=text name=groupid>" + GroupList(page, "Groups") +
+            "<td class=text><select class=text name=groupid>" + GroupList(page, page.UserGroupId) +
                 "</select>&nbsp;<b>To:</b>&nbsp;<input maxlength=15 class=text type=text "
                 "name=groupname size=10 ></td>",
             Button("Update"));
   out += "</td>";
   out += "</tr>";
   // The list builder answers "&nbsp;" when no group is without members.
-  const std::string unassigned = GroupList(page, "RedundantGroups");
+  const std::string unassigned = UnassignedGroupList(page);
   const bool none = unassigned == "&nbsp;";
   AppendRow(out, "<td width=200 class=text><b>None Assigned Groups:</b></td>",
             "<td class=text height=25>" +

@@ -3,14 +3,13 @@
 #include <optional>
 #include <string>
 
-#include "page/link_codec.h"
-#include "page/page.h"
-#include "page/screen_links.h"
 #include "errors/error_screen.h"
 #include "frame/markup.h"
 #include "items/item_updates.h"
+#include "page/page.h"
+#include "page/screen_links.h"
 #include "runtime/conversions.h"
-#include "views/item_list.h"
+#include "views/option_lists.h"
 
 namespace tidewell {
 namespace {
@@ -47,10 +46,9 @@ ItemFormValues FormValues(Page& page, bool editing, bool refused) {
 // --- Markup ---
 
 void AppendOwnerList(Page& page) {
-  std::string unused_date;
   page.PageBuffer += "Owner:<br>";
   page.PageBuffer += "<select class=text name=ownerkey>";
-  page.PageBuffer += BuildItemList(page, list_modes::kItemOwners, unused_date, 0);
+  page.PageBuffer += ItemOwnerList(page);
   page.PageBuffer += "</select>";
   page.PageBuffer += "<br><br>";
 }

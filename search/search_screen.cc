@@ -2,12 +2,11 @@
 
 #include <string>
 
-#include "page/link_codec.h"
+#include "frame/markup.h"
 #include "page/page.h"
 #include "page/screen_links.h"
-#include "frame/markup.h"
 #include "runtime/conversions.h"
-#include "views/item_list.h"
+#include "views/option_lists.h"
 
 namespace tidewell {
 namespace {
@@ -31,10 +30,9 @@ SearchFormValues FormValues(const Page& page) {
 // --- Markup ---
 
 void AppendOwnerList(Page& page) {
-  std::string no_date;
   page.PageBuffer += "Owner:<br>";
   page.PageBuffer += "<select class=text name=ownerkey>";
-  page.PageBuffer += BuildItemList(page, list_modes::kSearchOwners, no_date, 0);
+  page.PageBuffer += SearchOwnerList(page);
   page.PageBuffer += "</select>";
   page.PageBuffer += "<br><br>";
 }

@@ -2,17 +2,16 @@
 
 #include <optional>
 
-#include "page/page.h"
-#include "errors/database_errors.h"
 #include "data/recordset.h"
+#include "errors/database_errors.h"
+#include "page/page.h"
 #include "runtime/automation_error.h"
 #include "runtime/conversions.h"
 #include "runtime/date_text.h"
 #include "runtime/dates.h"
 #include "views/item_list_statements.h"
-#include "views/list_reading.h"
 #include "views/item_rows.h"
-#include "views/option_lists.h"
+#include "views/list_reading.h"
 
 namespace tidewell {
 namespace {
@@ -53,41 +52,22 @@ std::string ItemListOf(Page& page, long mode, const ListDay& day, long hour) {
   return list;
 }
 
-// The option lists of the forms; mode 8 takes the list's name from the date argument.
-std::string OptionListOf(Page& page, long mode, const std::string& name) {
-  ListConnection(page);  // every list below reads through it
-  switch (mode) {
-    case list_modes::kItemOwners:
-      return ItemOwnerOptions(page);
-    case list_modes::kUsersOrGroups:
-      return UserOrGroupOptions(page, name);
-    default:
-      return SearchOwnerOptions(page, ListGroupScope(page));
-  }
-}
-
 // `date` has been rewritten already.
-std::string ListOf(Page& page, long mode, const std::string& date, long hour, const ListDay& day) {
+std::string ListOf(Page& page, long mode, long hour, const ListDay& day) {
   switch (mode) {
     case list_modes::kMonthCell:
     case list_modes::kWeekRow:
     case list_modes::kDayRow:
     case list_modes::kTimeTable:
       return ItemListOf(page, mode, day, hour);
-    case list_modes::kItemOwners:
-    case list_modes::kUsersOrGroups:
-    case list_modes::kSearchOwners:
-      return OptionListOf(page, mode, date);
     default:
       return "";
   }
 }
 
 // Runs the list under the lists' error trap.
-std::string TrappedList(Page& page, long mode, const std::string& date, long hour,
-                        const ListDay& day) {
-  const std::string list =
-      TrapListFailure(page, [&] { return ListOf(page, mode, date, hour, day); });
+std::string TrappedList(Page& page, long mode, long hour, const ListDay& day) {
+  const std::string list = TrapListFailure(page, [&] { return ListOf(page, mode, hour, day); });
   return list.empty() ? "&nbsp;" : list;
 }
 
@@ -127,12 +107,12 @@ std::string TrapListFailure(Page& page, const std::function<std::string()>& read
 
 std::string BuildItemList(Page& page, long mode, std::string& date, long hour) {
   const ListDay day = ReadListDay(date);
-  return TrappedList(page, mode, date, hour, day);
+  return TrappedList(page, mode, hour, day);
 }
 
 std::string BuildItemList(Page& page, long mode, Date day, long hour) {
   const ListDay list_day{ado::StatementDateText(day), ShortDateText(DateOnly(day))};
-  return TrappedList(page, mode, list_day.statement_text, hour, list_day);
+  return TrappedList(page, mode, hour, list_day);
 }
 
 }  // namespace tidewell

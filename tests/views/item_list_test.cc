@@ -1,6 +1,7 @@
 // The item lists of the four views (modes 0 to 3), against a seeded SQLite database.
 
 #include "views/item_list.h"
+#include "views/option_lists.h"
 
 #include <gtest/gtest.h>
 
@@ -391,11 +392,14 @@ TEST_F(ItemList, AFailingStatementBecomesTheDataServerErrorOfTheRequest) {
 
 TEST_F(ItemList, AListWithoutAConnectionIsTheDataServerError) {
   page_.Connection.reset();
-  for (long mode : {list_modes::kMonthCell, list_modes::kTimeTable, list_modes::kItemOwners}) {
+  for (long mode : {list_modes::kMonthCell, list_modes::kTimeTable}) {
     page_.Error = {};
     EXPECT_EQ(List(mode, kTuesday, 9), "&nbsp;") << mode;
     EXPECT_EQ(page_.Error.Kind, ErrorKind::kDataRead) << mode;
   }
+  page_.Error = {};
+  EXPECT_EQ(ItemOwnerList(page_), "&nbsp;");
+  EXPECT_EQ(page_.Error.Kind, ErrorKind::kDataRead);
 }
 
 TEST_F(ItemList, ASortCodeNoHeaderMadeFailsTheStatementInsteadOfReachingTheEngine) {

@@ -1,11 +1,11 @@
-// The option lists the list builder makes for the forms (modes 4, 8 and 15).
+// The forms' option lists of users and groups.
 
 #include <gtest/gtest.h>
 
 #include "page/asp_objects.h"
 #include "tests/views/view_fixture.h"
-#include "views/item_list.h"
 #include "views/item_list_statements.h"
+#include "views/option_lists.h"
 
 namespace tidewell {
 namespace {
@@ -23,9 +23,6 @@ class OptionLists : public ViewTest {
     page_.request = &request_;
   }
 
-  std::string Options(long mode, std::string name = "") {
-    return BuildItemList(page_, mode, name, 0);
-  }
   void PostOwner(std::string owner) { request_.Form.Add("ownerkey", std::move(owner)); }
 
   static std::string User(const char* key, const char* group, const char* name,
@@ -77,58 +74,61 @@ TEST(OptionListStatements, ReadWordForWord) {
   EXPECT_EQ(SearchGroupsStatement().CheckedText(), "SELECT * FROM Groups ORDER BY GroupName");
 }
 
-// --- Mode 4: the item form's owners ---
+// --- The item form's owners ---
 
 TEST_F(OptionLists, ItemOwnersOfAUserWorkingAloneAreHimselfPreselected) {
-  EXPECT_EQ(Options(list_modes::kItemOwners), User(kBob, "Crew", "bob", false, true));
+  EXPECT_EQ(ItemOwnerList(page_), User(kBob, "Crew", "bob", false, true));
 }
 
 TEST_F(OptionLists, ItemOwnersUnderAnAdministratorKeyAreEveryUserTheCurrentOnePreselected) {
   page_.AdminKey = kAnn;
-  EXPECT_EQ(Options(list_modes::kItemOwners), AllUsers(kBob));
+  EXPECT_EQ(ItemOwnerList(page_), AllUsers(kBob));
 }
 
 TEST_F(OptionLists, ItemOwnersEscapeNamesAndGroups) {
   long lab = data_.AddGroup("R&D <lab>");
   data_.AddUser("eve \"x\"", lab, "EV", "0+8+0+0+0", false, "0e0e0e0e0e0e0e0e0e0e0e0e0e0e0e0e");
   page_.UserKey = "0e0e0e0e0e0e0e0e0e0e0e0e0e0e0e0e";
-  EXPECT_EQ(Options(list_modes::kItemOwners),
+  EXPECT_EQ(ItemOwnerList(page_),
             "<option selected class=text value=0e0e0e0e0e0e0e0e0e0e0e0e0e0e0e0e >R&amp;D "
             "&lt;lab&gt; - eve &quot;x&quot;</option>");
 }
 
-// --- Mode 8: the administrator's lists ---
+// --- The administrator's lists ---
 
 TEST_F(OptionLists, UsersListsEveryUserByGroupAndName) {
-  EXPECT_EQ(Options(list_modes::kUsersOrGroups, "Users"), AllUsers(kBob));
+  EXPECT_EQ(UserList(page_), AllUsers(kBob));
 }
 
 TEST_F(OptionLists, GroupsListsEveryGroupTheUsersOwnPreselected) {
-  EXPECT_EQ(Options(list_modes::kUsersOrGroups, "Groups"),
+  EXPECT_EQ(GroupList(page_, page_.UserGroupId),
             Group(crew_, "Crew", true) + Group(deck_, "Deck") + Group(empty_, "Empty"));
 }
 
 TEST_F(OptionLists, RedundantGroupsListsTheGroupsNobodyBelongsTo) {
   long spare = data_.AddGroup("Attic");
-  EXPECT_EQ(Options(list_modes::kUsersOrGroups, "RedundantGroups"),
+  EXPECT_EQ(UnassignedGroupList(page_),
             Group(spare, "Attic") + Group(empty_, "Empty"));
 }
 
 TEST_F(OptionLists, RedundantGroupsWhenEveryGroupHasMembersIsANonBreakingSpace) {
   data_.AddUser("erin", empty_, "ER");
-  EXPECT_EQ(Options(list_modes::kUsersOrGroups, "RedundantGroups"), "&nbsp;");
+  EXPECT_EQ(UnassignedGroupList(page_), "&nbsp;");
 }
 
-TEST_F(OptionLists, AnyOtherListNameIsANonBreakingSpace) {
-  EXPECT_EQ(Options(list_modes::kUsersOrGroups, "Items"), "&nbsp;");
+TEST_F(OptionLists, GroupsListMarksTheGroupItIsGivenAndLeavesThePageAlone) {
+  const long user_group = page_.UserGroupId;
+  EXPECT_EQ(GroupList(page_, deck_), Group(crew_, "Crew") + Group(deck_, "Deck", true) +
+                                         Group(empty_, "Empty"));
+  EXPECT_EQ(page_.UserGroupId, user_group);
   EXPECT_FALSE(page_.Error.Raised());
 }
 
-// --- Mode 15: whose calendars a search covers ---
+// --- Whose calendars a search covers ---
 
 TEST_F(OptionLists, AnAdministratorSearchesAllUsersAnyGroupOrAnyUser) {
   page_.AdminKey = kBob;
-  EXPECT_EQ(Options(list_modes::kSearchOwners),
+  EXPECT_EQ(SearchOwnerList(page_),
             "<option class=text value=all >- Search All Users -</option>" +
                 SearchGroup(crew_, "Crew") + SearchGroup(deck_, "Deck") +
                 SearchGroup(empty_, "Empty") + AllUsers(""));
@@ -137,7 +137,7 @@ TEST_F(OptionLists, AnAdministratorSearchesAllUsersAnyGroupOrAnyUser) {
 TEST_F(OptionLists, AnAdministratorsPostedOwnerStaysPreselected) {
   page_.AdminKey = kBob;
   PostOwner(kDave);
-  EXPECT_EQ(Options(list_modes::kSearchOwners),
+  EXPECT_EQ(SearchOwnerList(page_),
             "<option class=text value=all >- Search All Users -</option>" +
                 SearchGroup(crew_, "Crew") + SearchGroup(deck_, "Deck") +
                 SearchGroup(empty_, "Empty") + AllUsers(kDave));
@@ -146,7 +146,7 @@ TEST_F(OptionLists, AnAdministratorsPostedOwnerStaysPreselected) {
 TEST_F(OptionLists, AnAdministratorsPostedGroupStaysPreselected) {
   page_.AdminKey = kBob;
   PostOwner(std::to_string(deck_));
-  EXPECT_EQ(Options(list_modes::kSearchOwners),
+  EXPECT_EQ(SearchOwnerList(page_),
             "<option class=text value=all >- Search All Users -</option>" +
                 SearchGroup(crew_, "Crew") + SearchGroup(deck_, "Deck", true) +
                 SearchGroup(empty_, "Empty") + AllUsers(""));
@@ -155,7 +155,7 @@ TEST_F(OptionLists, AnAdministratorsPostedGroupStaysPreselected) {
 TEST_F(OptionLists, AnAdministratorsAllUsersEntryIsNeverMarkedSelectedEvenWhenPosted) {
   page_.AdminKey = kBob;
   PostOwner("all");
-  EXPECT_EQ(Options(list_modes::kSearchOwners),
+  EXPECT_EQ(SearchOwnerList(page_),
             "<option class=text value=all >- Search All Users -</option>" +
                 SearchGroup(crew_, "Crew") + SearchGroup(deck_, "Deck") +
                 SearchGroup(empty_, "Empty") + AllUsers(""));
@@ -163,7 +163,7 @@ TEST_F(OptionLists, AnAdministratorsAllUsersEntryIsNeverMarkedSelectedEvenWhenPo
 
 TEST_F(OptionLists, AUserWhoSeesTheWholeGroupSearchesItOrOneOfItsUsers) {
   page_.User.ShowAllGroupUsers = true;
-  EXPECT_EQ(Options(list_modes::kSearchOwners),
+  EXPECT_EQ(SearchOwnerList(page_),
             "<option selected class=text value=all >- Search All Group Users -</option>" +
                 User(kAnn, "Crew", "ann", true) + User(kBob, "Crew", "bob") +
                 User(kCarol, "Crew", "carol"));
@@ -172,21 +172,21 @@ TEST_F(OptionLists, AUserWhoSeesTheWholeGroupSearchesItOrOneOfItsUsers) {
 TEST_F(OptionLists, AWholeGroupUsersAllEntryStaysSelectedBesideThePostedMember) {
   page_.User.ShowAllGroupUsers = true;
   PostOwner(kCarol);
-  EXPECT_EQ(Options(list_modes::kSearchOwners),
+  EXPECT_EQ(SearchOwnerList(page_),
             "<option selected class=text value=all >- Search All Group Users -</option>" +
                 User(kAnn, "Crew", "ann", true) + User(kBob, "Crew", "bob") +
                 User(kCarol, "Crew", "carol", false, true));
 }
 
 TEST_F(OptionLists, AnyOtherUserSearchesOnlyHimself) {
-  EXPECT_EQ(Options(list_modes::kSearchOwners), User(kBob, "Crew", "bob"));
+  EXPECT_EQ(SearchOwnerList(page_), User(kBob, "Crew", "bob"));
   PostOwner(kBob);
-  EXPECT_EQ(Options(list_modes::kSearchOwners), User(kBob, "Crew", "bob", false, true));
+  EXPECT_EQ(SearchOwnerList(page_), User(kBob, "Crew", "bob", false, true));
 }
 
 TEST_F(OptionLists, AFailingListBecomesTheDataServerError) {
   page_.UserKey = "it's";
-  EXPECT_EQ(Options(list_modes::kItemOwners), "&nbsp;");
+  EXPECT_EQ(ItemOwnerList(page_), "&nbsp;");
   EXPECT_EQ(page_.Error.Kind, ErrorKind::kDataRead);
 }
 
