@@ -45,6 +45,11 @@ void ReplaceHeight(Page& page, long height) {
       Replace(std::move(page.PageBuffer), "<height></height>", std::to_string(height));
 }
 
+std::string SettleFrameHeight(std::string component_output) {
+  return Replace(std::move(component_output), "<height></height>",
+                 std::to_string(kFormScreenHeight));
+}
+
 long ByBrowser(const Page& page, long standard, long navigator, long opera) {
   if (page.BrowserKind == browsers::kNavigator) return navigator;
   if (page.BrowserKind == browsers::kOpera) return opera;

@@ -22,6 +22,17 @@ void AppendEscapedHtml(std::string& out, std::string_view text);
 // drawn replaces every occurrence in the whole page with its own height.
 void ReplaceHeight(Page& page, long height);
 
+// The height the form screens give the frame, for the placeholder a screen left in place.
+inline constexpr long kFormScreenHeight = 545;
+
+// The page as a browser gets it: every height placeholder that the screen drawn left in place
+// (the item form, the item help and the error screen keep "<height></height>", as the
+// component always wrote them) becomes kFormScreenHeight. Unreplaced, the placeholder breaks
+// the table tag in a browser: the tag ends at the placeholder's "<height>" and the rest of it
+// ("cellpadding=0 cellspacing=0 border=0>") shows as text above the calendar. Every way the
+// binary hands out a page (serve, render) settles it here.
+std::string SettleFrameHeight(std::string component_output);
+
 // A screen's height for the browser in use: Navigator and Opera draw the frame a few pixels
 // differently, every other kind takes the standard value.
 long ByBrowser(const Page& page, long standard, long navigator, long opera);

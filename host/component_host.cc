@@ -1,8 +1,9 @@
 #include "host/component_host.h"
 
 #include "component/asp_tidewell.h"
-#include "page/property_table.h"
+#include "frame/markup.h"
 #include "host/page_template.h"
+#include "page/property_table.h"
 #include "runtime/automation_error.h"
 
 namespace tidewell {
@@ -35,6 +36,10 @@ HostAnswer WithPageFacts(HostAnswer answer, const Page& page) {
 
 }  // namespace
 
+std::string ServedPage(const PageConfig& page, std::string component_output) {
+  return FillPageTemplate(page.page_template, SettleFrameHeight(std::move(component_output)));
+}
+
 HostAnswer RunComponent(const PageConfig& page, const LinkSigning& signing,
                         const AspRequest& request,
                         const std::optional<std::string>& feed_address_start) {
@@ -54,7 +59,7 @@ HostAnswer RunComponent(const PageConfig& page, const LinkSigning& signing,
     return WithPageFacts(std::move(refused), component.page());
   }
   HostAnswer answer;
-  answer.body = FillPageTemplate(page.page_template, SettleFrameHeight(response.TakeBody()));
+  answer.body = ServedPage(page, response.TakeBody());
   answer.screen = std::to_string(component.page().Screen);
   return WithPageFacts(std::move(answer), component.page());
 }

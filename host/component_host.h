@@ -3,10 +3,10 @@
 #include <optional>
 #include <string>
 
+#include "host/config.h"
 #include "page/asp_objects.h"
 #include "page/link_keys.h"
 #include "page/page.h"
-#include "host/config.h"
 
 namespace tidewell {
 
@@ -33,12 +33,17 @@ struct HostAnswer {
 // becomes a 400 with a short plain page naming the error.
 // `feed_address_start` is where the page's feed addresses start while the site serves feeds
 // (host/feed_endpoint.h FeedAddressStart), nothing otherwise.
+// The page the site sends for the component's output: its frame height settled
+// (frame/markup.h SettleFrameHeight) and the page's template around it. `serve` and `render`
+// both send this.
+std::string ServedPage(const PageConfig& page, std::string component_output);
+
 HostAnswer RunComponent(const PageConfig& page, const LinkSigning& signing,
                         const AspRequest& request,
                         const std::optional<std::string>& feed_address_start = std::nullopt);
 
-// The same, returning only the component's own text (ViewSource), for `tidewell render`.
-// Run-time errors pass through as AutomationError.
+// The same, returning only the component's own text (ViewSource). Run-time errors pass
+// through as AutomationError.
 std::string ViewComponentSource(const PageConfig& page, const LinkSigning& signing,
                                 const AspRequest& request,
                                 const std::optional<std::string>& feed_address_start = std::nullopt);

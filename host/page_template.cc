@@ -1,7 +1,5 @@
 #include "host/page_template.h"
 
-#include "runtime/strings.h"
-
 namespace tidewell {
 
 std::string DefaultPageTemplate() {
@@ -23,10 +21,6 @@ bool IsPageTemplate(std::string_view text) {
   size_t first = text.find(kComponentMarker);
   return first != std::string_view::npos &&
          text.find(kComponentMarker, first + 1) == std::string_view::npos;
-}
-
-std::string SettleFrameHeight(std::string component_output) {
-  return Replace(std::move(component_output), "<height></height>", "545");
 }
 
 std::string FillPageTemplate(std::string_view page_template, std::string_view component_output) {

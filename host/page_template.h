@@ -16,13 +16,6 @@ std::string DefaultPageTemplate();
 // Whether `text` can serve as a template (holds the marker once).
 bool IsPageTemplate(std::string_view text);
 
-// The component's output with every outer-table height placeholder that its screen left in
-// place (the item form, the item help and the error screen keep "<height></height>") replaced
-// by 545, the height the other form screens give the frame. Unreplaced, the placeholder breaks
-// the table tag in a browser: the tag ends at the placeholder's "<height>" and the rest of it
-// ("cellpadding=0 cellspacing=0 border=0>") is shown as text above the calendar.
-std::string SettleFrameHeight(std::string component_output);
-
 // The template with the marker replaced by the component's output.
 std::string FillPageTemplate(std::string_view page_template, std::string_view component_output);
 

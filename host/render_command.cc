@@ -5,12 +5,12 @@
 #include <stdexcept>
 #include <string>
 
-#include "page/asp_objects.h"
 #include "host/commands.h"
 #include "host/component_host.h"
 #include "host/feed_endpoint.h"
 #include "host/form_encoding.h"
 #include "host/site_setup.h"
+#include "page/asp_objects.h"
 
 namespace tidewell {
 namespace {
@@ -19,7 +19,8 @@ constexpr const char* kRenderUsage =
     "Usage: tidewell render [--config FILE] [--url PATH] [--query TEXT]\n"
     "                       [--form NAME=VALUE]... [--user-agent TEXT]\n"
     "\n"
-    "Prints the HTML the calendar returns for one request (its ViewSource).\n"
+    "Prints the page the server would send for one request: the calendar's HTML\n"
+    "inside the page's template.\n"
     "\n"
     "  --config FILE       configuration, as for serve\n"
     "  --url PATH          the page's path (default /); picks the [page] section\n"
@@ -60,8 +61,8 @@ int RenderCommand(int argc, char** argv) {
   if (page == nullptr) page = &config.pages.front();
   RefuseOtherSchemaVersion(config, page->PropertyValue("ConnectionString"));
   // No request to take a Host from: the feed address is PublicAddress's, else the path alone.
-  std::cout << ViewComponentSource(*page, PrepareSigning(config), request,
-                                   FeedAddressStart(config, *page, nullptr));
+  std::cout << ServedPage(*page, ViewComponentSource(*page, PrepareSigning(config), request,
+                                                     FeedAddressStart(config, *page, nullptr)));
   return 0;
 }
 

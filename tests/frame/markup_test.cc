@@ -75,5 +75,13 @@ TEST(AppendValidator, OneLinePerPieceEndedByCrLfAndOneBefore) {
             "return (false);\r\n}\r\nreturn (true);\r\n}\r\n//-->\r\n</script>\r\n");
 }
 
+TEST(SettleFrameHeight, LeftoverPlaceholdersBecomeTheFormScreensHeight) {
+  EXPECT_EQ(SettleFrameHeight("<table width=620 height=<height></height> border=0>"
+                              "<td height=<height></height>>"),
+            "<table width=620 height=545 border=0><td height=545>");
+  EXPECT_EQ(SettleFrameHeight("<table height=558 border=0>"), "<table height=558 border=0>");
+  EXPECT_EQ(SettleFrameHeight("<HEIGHT></HEIGHT>"), "<HEIGHT></HEIGHT>");
+}
+
 }  // namespace
 }  // namespace tidewell

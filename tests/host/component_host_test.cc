@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "page/link_codec.h"
 #include "host/config.h"
+#include "page/link_codec.h"
 
 namespace tidewell {
 namespace {
@@ -50,6 +50,20 @@ TEST(ViewComponentSource, ReturnsTheComponentsOwnText) {
   std::string html = ViewComponentSource(config.pages[0], {}, RequestFor("/"));
   EXPECT_EQ(html.rfind("<div id=ws_vis ><div id=ws_pos ><!-- Outer Table Start -->", 0), 0u);
   EXPECT_EQ(html.substr(html.size() - 12), "</div></div>");
+}
+
+// The error screen leaves the frame's height placeholder in the component's text; `serve`
+// (RunComponent) and `render` (ServedPage of the component's text) settle it the same way.
+TEST(ServedPage, ServeAndRenderSendTheSamePage) {
+  SiteConfig config = ParseConfig("Visible = True\nConnectionString = Provider=Nothing\n", "f");
+  config.pages[0].page_template = "<body>{{tidewell}}</body>";
+  const std::string own_text = ViewComponentSource(config.pages[0], {}, RequestFor("/"));
+  ASSERT_NE(own_text.find("<!-- ErrorScreen Start -->"), std::string::npos);
+  ASSERT_NE(own_text.find("height=<height></height>"), std::string::npos);
+  const std::string served = RunComponent(config.pages[0], {}, RequestFor("/")).body;
+  EXPECT_EQ(ServedPage(config.pages[0], own_text), served);
+  EXPECT_EQ(served.find("<height></height>"), std::string::npos);
+  EXPECT_NE(served.find("width=620 height=545 cellpadding=0"), std::string::npos);
 }
 
 }  // namespace

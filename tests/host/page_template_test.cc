@@ -27,14 +27,6 @@ TEST(PageTemplate, OutputIsNotSearchedForMarkers) {
   EXPECT_EQ(FillPageTemplate("[{{tidewell}}]", "{{tidewell}}"), "[{{tidewell}}]");
 }
 
-TEST(PageTemplate, LeftoverFrameHeightBecomesTheFormHeight) {
-  EXPECT_EQ(SettleFrameHeight("<table width=620 height=<height></height> border=0>"
-                              "<td height=<height></height>>"),
-            "<table width=620 height=545 border=0><td height=545>");
-  EXPECT_EQ(SettleFrameHeight("<table height=558 border=0>"), "<table height=558 border=0>");
-  EXPECT_EQ(SettleFrameHeight("<HEIGHT></HEIGHT>"), "<HEIGHT></HEIGHT>");
-}
-
 TEST(PageTemplate, MarkerMustStandOnce) {
   EXPECT_FALSE(IsPageTemplate("<html></html>"));
   EXPECT_FALSE(IsPageTemplate("{{tidewell}}{{tidewell}}"));
