@@ -2,8 +2,8 @@
 
 #include <optional>
 
-#include "page/page.h"
 #include "frame/markup.h"
+#include "page/page.h"
 #include "runtime/automation_error.h"
 #include "runtime/conversions.h"
 

@@ -5,9 +5,9 @@
 #include <string>
 #include <string_view>
 
-#include "page/page.h"
 #include "frame/help_page.h"
 #include "frame/markup.h"
+#include "page/page.h"
 
 namespace tidewell {
 namespace {

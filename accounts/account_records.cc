@@ -1,10 +1,10 @@
 #include "accounts/account_records.h"
 
 #include "accounts/account_statements.h"
-#include "page/link_keys.h"
 #include "data/database_error.h"
 #include "data/recordset.h"
 #include "data/statement.h"
+#include "page/link_keys.h"
 #include "runtime/conversions.h"
 
 namespace tidewell {

@@ -7,11 +7,11 @@
 #include "accounts/account_statements.h"
 #include "accounts/password_fields.h"
 #include "accounts/password_hash.h"
-#include "page/page.h"
-#include "errors/database_errors.h"
 #include "data/recordset.h"
 #include "data/statement.h"
+#include "errors/database_errors.h"
 #include "frame/markup.h"
+#include "page/page.h"
 #include "runtime/automation_error.h"
 #include "runtime/conversions.h"
 

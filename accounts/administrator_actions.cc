@@ -7,10 +7,10 @@
 #include "accounts/account_updates.h"
 #include "accounts/administrator_check.h"
 #include "accounts/login.h"
-#include "page/page.h"
 #include "data/connection.h"
 #include "data/database_error.h"
 #include "errors/database_errors.h"
+#include "page/page.h"
 
 namespace tidewell {
 namespace {

@@ -4,10 +4,10 @@
 
 #include "accounts/account_statements.h"
 #include "accounts/login.h"
-#include "page/page.h"
-#include "errors/database_errors.h"
 #include "data/recordset.h"
 #include "data/statement.h"
+#include "errors/database_errors.h"
+#include "page/page.h"
 #include "runtime/conversions.h"
 
 namespace tidewell {

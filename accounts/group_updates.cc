@@ -6,11 +6,11 @@
 
 #include "accounts/account_statements.h"
 #include "accounts/administrator_check.h"
-#include "page/page.h"
-#include "errors/database_errors.h"
 #include "data/recordset.h"
 #include "data/statement.h"
+#include "errors/database_errors.h"
 #include "frame/markup.h"
+#include "page/page.h"
 #include "runtime/conversions.h"
 
 namespace tidewell {

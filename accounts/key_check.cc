@@ -4,11 +4,11 @@
 #include <string>
 #include <string_view>
 
-#include "page/link_keys.h"
-#include "page/page.h"
-#include "errors/database_errors.h"
 #include "data/recordset.h"
 #include "data/statement.h"
+#include "errors/database_errors.h"
+#include "page/link_keys.h"
+#include "page/page.h"
 #include "runtime/conversions.h"
 
 namespace tidewell {

@@ -8,12 +8,12 @@
 #include "accounts/login_throttle.h"
 #include "accounts/password_hash.h"
 #include "accounts/user_options.h"
-#include "page/link_keys.h"
-#include "page/page.h"
-#include "errors/database_errors.h"
 #include "data/recordset.h"
 #include "data/statement.h"
+#include "errors/database_errors.h"
 #include "frame/markup.h"
+#include "page/link_keys.h"
+#include "page/page.h"
 #include "runtime/conversions.h"
 
 namespace tidewell {

@@ -1,9 +1,9 @@
 #include "accounts/login_throttle.h"
 
-#include "page/link_keys.h"
-#include "page/page.h"
 #include "data/recordset.h"
 #include "data/statement.h"
+#include "page/link_keys.h"
+#include "page/page.h"
 #include "runtime/conversions.h"
 
 namespace tidewell {

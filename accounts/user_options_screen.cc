@@ -5,9 +5,9 @@
 
 #include "accounts/account_form.h"
 #include "accounts/password_fields.h"
+#include "frame/markup.h"
 #include "page/page.h"
 #include "page/screen_links.h"
-#include "frame/markup.h"
 
 namespace tidewell {
 namespace {

@@ -10,10 +10,10 @@
 #include <string>
 
 #include "accounts/password_hash.h"
-#include "page/asp_objects.h"
 #include "component/asp_tidewell.h"
 #include "data/schema.h"
 #include "data/session.h"
+#include "page/asp_objects.h"
 #include "tests/data/engines.h"
 #include "tests/views/calendar_data.h"
 

@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "page/page.h"
 #include "frame/markup.h"
+#include "page/page.h"
 
 namespace tidewell {
 namespace {

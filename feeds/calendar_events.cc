@@ -6,8 +6,8 @@
 #include <set>
 #include <tuple>
 
-#include "page/link_keys.h"
 #include "feeds/calendar_text.h"
+#include "page/link_keys.h"
 
 namespace tidewell {
 namespace {

@@ -1,11 +1,11 @@
 #include "feeds/feed_address.h"
 
 #include "accounts/user_options_screen.h"
-#include "page/page.h"
 #include "data/database_error.h"
 #include "errors/database_errors.h"
 #include "feeds/feed_tokens.h"
 #include "feeds/site_time_zone.h"
+#include "page/page.h"
 
 namespace tidewell {
 

@@ -3,12 +3,12 @@
 #include <vector>
 
 #include "accounts/user_options.h"
-#include "page/link_keys.h"
 #include "data/connection.h"
 #include "data/recordset.h"
 #include "data/site_settings.h"
 #include "feeds/feed_calendar.h"
 #include "feeds/feed_tokens.h"
+#include "page/link_keys.h"
 #include "runtime/conversions.h"
 #include "runtime/dates.h"
 #include "views/item_list_statements.h"

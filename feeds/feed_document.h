@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
-#include "page/properties.h"
 #include "feeds/site_time_zone.h"
+#include "page/properties.h"
 
 namespace tidewell {
 

@@ -1,9 +1,9 @@
 #include "feeds/feed_tokens.h"
 
-#include "page/link_keys.h"
 #include "data/connection.h"
 #include "data/recordset.h"
 #include "data/statement.h"
+#include "page/link_keys.h"
 #include "runtime/conversions.h"
 
 namespace tidewell {

@@ -1,7 +1,7 @@
 #include "frame/help_page.h"
 
-#include "page/page.h"
 #include "frame/markup.h"
+#include "page/page.h"
 
 namespace tidewell {
 

@@ -9,10 +9,10 @@
 #include <string_view>
 #include <thread>
 
-#include "page/properties.h"
-#include "page/property_table.h"
 #include "feeds/site_time_zone.h"
 #include "host/page_template.h"
+#include "page/properties.h"
+#include "page/property_table.h"
 #include "runtime/automation_error.h"
 #include "runtime/conversions.h"
 #include "runtime/strings.h"

@@ -2,10 +2,10 @@
 
 #include <ctime>
 
-#include "page/properties.h"
-#include "page/property_table.h"
 #include "feeds/feed_document.h"
 #include "feeds/site_time_zone.h"
+#include "page/properties.h"
+#include "page/property_table.h"
 
 namespace tidewell {
 namespace {

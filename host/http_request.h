@@ -2,8 +2,8 @@
 
 #include <string_view>
 
-#include "page/asp_objects.h"
 #include "host/http_server.h"
+#include "page/asp_objects.h"
 
 namespace tidewell {
 

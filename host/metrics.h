@@ -6,8 +6,8 @@
 #include <string>
 #include <string_view>
 
-#include "page/page.h"
 #include "data/session.h"
+#include "page/page.h"
 
 namespace tidewell {
 

@@ -3,10 +3,10 @@
 #include <memory>
 #include <string>
 
-#include "page/link_keys.h"
 #include "host/config.h"
 #include "host/site_signing.h"
 #include "host/static_assets.h"
+#include "page/link_keys.h"
 
 namespace tidewell {
 

@@ -5,8 +5,8 @@
 #include <mutex>
 #include <string>
 
-#include "page/link_keys.h"
 #include "host/config.h"
+#include "page/link_keys.h"
 
 namespace tidewell {
 

@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "page/page.h"
 #include "frame/help_page.h"
+#include "page/page.h"
 
 namespace tidewell {
 namespace {

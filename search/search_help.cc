@@ -2,9 +2,9 @@
 
 #include <string>
 
-#include "page/page.h"
 #include "frame/help_page.h"
 #include "frame/markup.h"
+#include "page/page.h"
 
 namespace tidewell {
 namespace {

@@ -2,8 +2,8 @@
 
 #include <string_view>
 
-#include "page/properties.h"
 #include "data/statement.h"
+#include "page/properties.h"
 #include "runtime/variant.h"
 #include "search/search_scope.h"
 

@@ -1,8 +1,8 @@
 #include "search/search_scope.h"
 
+#include "data/recordset.h"
 #include "page/link_keys.h"
 #include "page/page.h"
-#include "data/recordset.h"
 #include "runtime/conversions.h"
 #include "views/item_list_statements.h"
 

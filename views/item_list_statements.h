@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-#include "page/properties.h"
 #include "data/statement.h"
+#include "page/properties.h"
 #include "runtime/variant.h"
 
 namespace tidewell {

@@ -6,9 +6,9 @@
 #include <utility>
 #include <vector>
 
-#include "page/page.h"
 #include "data/recordset.h"
 #include "data/statement.h"
+#include "page/page.h"
 #include "runtime/conversions.h"
 #include "runtime/date_text.h"
 #include "runtime/dates.h"

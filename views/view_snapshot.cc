@@ -1,7 +1,7 @@
 #include "views/view_snapshot.h"
 
-#include "page/page.h"
 #include "data/database_error.h"
+#include "page/page.h"
 
 namespace tidewell {
 

@@ -7,11 +7,11 @@
 
 #include "accounts/account_updates.h"
 #include "accounts/password_hash.h"
+#include "data/recordset.h"
+#include "data/statement.h"
 #include "page/asp_objects.h"
 #include "page/link_keys.h"
 #include "page/page.h"
-#include "data/recordset.h"
-#include "data/statement.h"
 #include "runtime/conversions.h"
 #include "runtime/dates.h"
 #include "tests/component/seeded_database.h"

@@ -3,8 +3,8 @@
 #include <memory>
 #include <string>
 
-#include "page/asp_objects.h"
 #include "component/asp_tidewell.h"
+#include "page/asp_objects.h"
 #include "page/link_codec.h"
 
 namespace tidewell::testing {

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "page/link_keys.h"
 #include "component/link_state.h"
+#include "page/link_keys.h"
 #include "runtime/automation_error.h"
 #include "runtime/clock.h"
 #include "runtime/dates.h"

@@ -5,11 +5,11 @@
 #include <string>
 
 #include "accounts/password_hash.h"
-#include "page/link_keys.h"
 #include "data/connection.h"
 #include "data/recordset.h"
 #include "data/schema.h"
 #include "data/statement.h"
+#include "page/link_keys.h"
 #include "runtime/conversions.h"
 #include "tests/data/engines.h"
 

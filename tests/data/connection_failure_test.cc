@@ -12,8 +12,8 @@
 #include <functional>
 #include <string>
 
-#include "errors/error_screen.h"
 #include "data/session.h"
+#include "errors/error_screen.h"
 #include "tests/component/fake_request.h"
 #include "tests/data/engines.h"
 #include "tests/data/golden.h"

@@ -3,10 +3,10 @@
 
 #include <gtest/gtest.h>
 
-#include "page/page.h"
 #include "component/screen_dispatch.h"
-#include "errors/database_errors.h"
 #include "data/recordset.h"
+#include "errors/database_errors.h"
+#include "page/page.h"
 #include "runtime/conversions.h"
 #include "runtime/dates.h"
 #include "tests/data/engines.h"

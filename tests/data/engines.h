@@ -8,12 +8,12 @@
 #include <filesystem>
 #include <string>
 
-#include "page/properties.h"
 #include "data/connection.h"
 #include "data/database_error.h"
 #include "data/schema.h"
 #include "data/session.h"
 #include "data/statement.h"
+#include "page/properties.h"
 
 namespace tidewell::testing {
 

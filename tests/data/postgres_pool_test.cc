@@ -7,13 +7,13 @@
 #include <string>
 #include <thread>
 
-#include "page/page.h"
 #include "data/connection.h"
 #include "data/connection_string.h"
-#include "errors/database_errors.h"
 #include "data/postgres_session.h"
 #include "data/recordset.h"
 #include "data/statement.h"
+#include "errors/database_errors.h"
+#include "page/page.h"
 #include "runtime/conversions.h"
 #include "tests/data/engines.h"
 

@@ -5,10 +5,10 @@
 #include <string>
 #include <vector>
 
-#include "page/page.h"
-#include "errors/database_errors.h"
 #include "data/recordset.h"
 #include "data/session.h"
+#include "errors/database_errors.h"
+#include "page/page.h"
 #include "tests/data/engines.h"
 
 namespace tidewell {

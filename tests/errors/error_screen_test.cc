@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include "page/page.h"
 #include "data/database_error.h"
 #include "errors/database_errors.h"
+#include "page/page.h"
 #include "tests/data/golden.h"
 
 namespace tidewell {

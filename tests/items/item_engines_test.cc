@@ -5,11 +5,11 @@
 
 #include <memory>
 
-#include "page/asp_objects.h"
-#include "page/page.h"
 #include "data/recordset.h"
 #include "data/statement.h"
 #include "items/item_updates.h"
+#include "page/asp_objects.h"
+#include "page/page.h"
 #include "runtime/conversions.h"
 #include "runtime/dates.h"
 #include "tests/data/engines.h"

@@ -6,10 +6,10 @@
 #include <memory>
 
 #include "accounts/password_hash.h"
-#include "page/asp_objects.h"
-#include "page/page.h"
 #include "data/recordset.h"
 #include "data/statement.h"
+#include "page/asp_objects.h"
+#include "page/page.h"
 #include "runtime/conversions.h"
 #include "runtime/dates.h"
 #include "search/search_results.h"

@@ -4,10 +4,10 @@
 #include <vector>
 
 #include "accounts/password_hash.h"
-#include "page/link_keys.h"
 #include "data/connection.h"
 #include "data/recordset.h"
 #include "data/statement.h"
+#include "page/link_keys.h"
 #include "runtime/conversions.h"
 #include "runtime/variant.h"
 #include "tests/component/seeded_database.h"

@@ -5,8 +5,8 @@
 
 #include <memory>
 
-#include "page/page.h"
 #include "data/connection.h"
+#include "page/page.h"
 #include "runtime/conversions.h"
 #include "runtime/dates.h"
 #include "tests/data/engines.h"

@@ -4,11 +4,11 @@
 #include <memory>
 #include <string>
 
-#include "page/link_keys.h"
-#include "page/page.h"
 #include "data/connection.h"
 #include "data/session.h"
 #include "frame/header.h"
+#include "page/link_keys.h"
+#include "page/page.h"
 #include "runtime/dates.h"
 #include "runtime/regional_settings.h"
 #include "tests/views/calendar_data.h"

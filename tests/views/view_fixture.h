@@ -7,9 +7,9 @@
 #include <utility>
 #include <vector>
 
-#include "page/page.h"
 #include "data/connection.h"
 #include "frame/header.h"
+#include "page/page.h"
 #include "runtime/conversions.h"
 #include "runtime/dates.h"
 #include "tests/component/site_visit.h"

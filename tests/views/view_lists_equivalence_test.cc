@@ -13,8 +13,8 @@
 #include <string>
 #include <vector>
 
-#include "page/page.h"
 #include "data/connection.h"
+#include "page/page.h"
 #include "runtime/clock.h"
 #include "runtime/dates.h"
 #include "tests/data/engines.h"
