@@ -8,8 +8,8 @@ struct Page;
 
 // Storing the account forms and deleting accounts. Both write through the request's open
 // connection; a statement that fails (a value with a single quote among them: it is refused
-// before any engine sees it) becomes the pending kDatabaseRefused error with the error screen, and what
-// the failing step would have written stays unwritten.
+// before any engine sees it) becomes the pending kDatabaseRefused error with the error screen,
+// and what the failing step would have written stays unwritten.
 
 // Which form posted the account.
 enum class AccountForm {

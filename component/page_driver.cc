@@ -123,7 +123,8 @@ void RunPostedActions(Page& page) {
   // The user options screen's feed address, renewed when its button posted.
   PrepareFeedAddress(page);
   // 9g: the search on screen 15, once the searcher is known.
-  if (!page.Error.Raised() && page.Screen == screens::kSearch && !page.FormValue("action").empty()) {
+  if (!page.Error.Raised() && page.Screen == screens::kSearch &&
+      !page.FormValue("action").empty()) {
     ProcessSearch(page);
   }
 }

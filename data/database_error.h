@@ -5,9 +5,9 @@
 
 namespace tidewell::ado {
 
-// The numbers ADO reported its errors with (HRESULTs, shown in decimal as the original page
-// showed them). The error screen picks its advice by them: E_FAIL means the engine was
-// reached but refused, anything else that the connection could not be made at all.
+// The numbers ADO reported its errors with (HRESULTs, shown in decimal as pages always showed
+// them). E_FAIL means the engine was reached but refused; most others that the connection
+// could not be made at all, or that a statement or recordset was refused.
 namespace error_numbers {
 // E_FAIL: the engine was reached but refused (missing file, permissions, server down, login).
 inline constexpr long kFail = -2147467259;
@@ -37,8 +37,8 @@ inline constexpr long kRowNotFound = -2147217864;
 }  // namespace error_numbers
 
 // A database error as ADO raised it: the number above and the provider's own description.
-// Every failure of the data layer is one of these; the data layer knows nothing of pages, and
-// the screens' side (errors/database_errors.h) turns it into the request's pending error.
+// Every failure of the data layer is one of these; the data layer knows nothing of pages or
+// screens, and its callers decide what a failure shows.
 class DatabaseError : public std::runtime_error {
  public:
   DatabaseError(long number, const std::string& description)

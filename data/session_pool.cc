@@ -103,7 +103,8 @@ struct Lease {
 };
 
 // Waits, up to the limit, for an idle session or room for a new one. Throws E_FAIL when
-// neither came in time: every session is in use, so the request ends with the error screen (kDatabaseRefused).
+// neither came in time: every session is in use, and the open fails as for a server that is
+// down.
 Lease WaitForSession(Registry& registry, const std::string& connection_string,
                      const PoolLimits& limits) {
   std::unique_lock lock(registry.mutex);

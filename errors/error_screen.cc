@@ -33,7 +33,8 @@ void AppendConnectionStringAdvice(std::string& out) {
   out += "&quot;DATABASE=Tidewell;Trusted_Connection=Yes'&quot;</span>";
 }
 
-// kDatabaseRefused: the database was found but could not be opened or written; the permissions it needs.
+// kDatabaseRefused: the database was found but could not be opened or written; the
+// permissions it needs.
 void AppendPermissionAdvice(std::string& out) {
   out += kAdviceHeading;
   out += "<b>Access Database:</b><br><br>";

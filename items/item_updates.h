@@ -45,8 +45,8 @@ inline constexpr const char* kInvalidItemDate =
 // Heading and description are trimmed; TimeText is the posted hour, ":" and the posted minute.
 // The posted owner is taken when it is the calendar's own key, or when an administrator works
 // on the calendar and the key names an account (the only owners the form offers); otherwise
-// the item stays with the calendar shown. A failed statement becomes the pending kDatabaseRefused error
-// and the error screen. Nobody signed in, nothing happens.
+// the item stays with the calendar shown. A failed statement becomes the pending
+// kDatabaseRefused error and the error screen. Nobody signed in, nothing happens.
 void ProcessItemAction(Page& page, std::string_view action);
 
 // Reads item `item_id` of the calendar shown into `values` (flags as "checked"); false, and

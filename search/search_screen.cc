@@ -86,7 +86,9 @@ void SearchScreenView(Page& page) {
   // drawn.
   out += "<form action=" + ReturningLink(page, screens::kSearch, page.ItemId) +
          " method=post name=searchscreen onsubmit=\"return validator(this)\" >";
-  if (page.Error.Raised()) out += "<font color=#b22222><b>" + page.Error.Text + "</b></font><br><br>";
+  if (page.Error.Raised()) {
+    out += "<font color=#b22222><b>" + page.Error.Text + "</b></font><br><br>";
+  }
   AppendOwnerList(page);
   AppendDates(page, values);
   AppendSearchText(page, values);

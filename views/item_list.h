@@ -27,9 +27,9 @@ inline constexpr long kTimeTable = 3;  // the time view: the hour's table with s
 // The lists cover the current user's items, or his whole group's when his show-all-group-users
 // option is set, sorted by the link's sort code (page.SortOrder) or by the default order. The
 // result is markup, "&nbsp;" when nothing was produced (a table cell never collapses). A
-// statement that fails becomes the request's pending kDataRead error (errors/database_errors.h) and the
-// result is "&nbsp;"; the view that called drops what it drew and the dispatcher shows the
-// error screen after it.
+// statement that fails becomes the request's pending kDataRead error
+// (errors/database_errors.h) and the result is "&nbsp;"; the view that called drops what it
+// drew and the dispatcher shows the error screen after it.
 std::string BuildItemList(Page& page, long mode, std::string& date, long hour);
 
 // The same for a day the caller already holds as a date, as the views do: their cell and row

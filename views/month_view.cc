@@ -98,7 +98,8 @@ std::string WeekLink(const Page& page, Step step, const std::string& date_text) 
 }
 
 // Appends the cell at `index`, with the link to its week when `week` is set (stepping back when
-// the row starts in the previous month). False when its item list failed: the page is then back as it was before the view.
+// the row starts in the previous month). False when its item list failed: the page is then
+// back as it was before the view.
 bool AppendDayCell(MonthGrid& grid, size_t index, std::optional<Step> week) {
   Page& page = grid.page;
   const GridCell& cell = grid.cells[index];
