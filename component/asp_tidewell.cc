@@ -14,10 +14,6 @@ ASPTidewell::ASPTidewell() {
   ResetPropertyDefaults(page_.props);
 }
 
-void ASPTidewell::SetImagePath(std::string v) {
-  tidewell::SetImagePath(page_.props, std::move(v));
-}
-
 void ASPTidewell::OnStartPage(const ScriptingContext& context) {
   context_ = &context;
   if (context.Request == nullptr || context.Response == nullptr) {

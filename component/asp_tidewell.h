@@ -1,9 +1,11 @@
 #pragma once
 
 #include <string>
+#include <utility>
 
 #include "page/asp_objects.h"
 #include "page/page.h"
+#include "page/properties.h"
 #include "runtime/variant.h"
 
 namespace tidewell {
@@ -18,68 +20,17 @@ class ASPTidewell {
   ASPTidewell();  // Class_Initialize
 
   // --- Properties (Let and Get pairs) ---
-  bool Visible() const { return page_.props.Visible; }
-  void SetVisible(bool v) { page_.props.Visible = v; }
-  const std::string& Position() const { return page_.props.Position; }
-  void SetPosition(std::string v) { page_.props.Position = std::move(v); }
-  bool HexQueryString() const { return page_.props.HexQueryString; }
-  void SetHexQueryString(bool v) { page_.props.HexQueryString = v; }
-  ASPDataServer DataServer() const { return page_.props.DataServer; }
-  void SetDataServer(ASPDataServer v) { page_.props.DataServer = v; }
-  const std::string& ConnectionString() const { return page_.props.ConnectionString; }
-  void SetConnectionString(std::string v) { page_.props.ConnectionString = std::move(v); }
-  bool AllowUserOwnDefaults() const { return page_.props.AllowUserOwnDefaults; }
-  void SetAllowUserOwnDefaults(bool v) { page_.props.AllowUserOwnDefaults = v; }
-  long DefaultStartHour() const { return page_.props.DefaultStartHour; }
-  void SetDefaultStartHour(long v) { page_.props.DefaultStartHour = v; }
-  bool Show12HourDay() const { return page_.props.Show12HourDay; }
-  void SetShow12HourDay(bool v) { page_.props.Show12HourDay = v; }
-  bool HighlightDeltaDays() const { return page_.props.HighlightDeltaDays; }
-  void SetHighlightDeltaDays(bool v) { page_.props.HighlightDeltaDays = v; }
-  bool HighlightTodaysDate() const { return page_.props.HighlightTodaysDate; }
-  void SetHighlightTodaysDate(bool v) { page_.props.HighlightTodaysDate = v; }
-  bool HighlightTodaysTime() const { return page_.props.HighlightTodaysTime; }
-  void SetHighlightTodaysTime(bool v) { page_.props.HighlightTodaysTime = v; }
-  const std::string& HighlightDeltaDaysColor() const { return page_.props.HighlightDeltaDaysColor; }
-  void SetHighlightDeltaDaysColor(std::string v) {
-    page_.props.HighlightDeltaDaysColor = std::move(v);
+  // One pair per line of page/property_list.h, e.g. Visible() and SetVisible(bool),
+  // TidewellColor() returning const std::string& and SetTidewellColor(std::string). A setter
+  // stores through its kind's rule, so SetImagePath keeps the folder ending in "/" just as
+  // the property set by name does.
+#define TIDEWELL_PROPERTY(kind, Name, default_value, at_start)                 \
+  PropertyRead<property_kind::kind> Name() const { return page_.props.Name; } \
+  void Set##Name(property_kind::kind::Value v) {                              \
+    page_.props.Name = property_kind::kind::Stored(std::move(v));             \
   }
-  const std::string& HighlightTodaysDateColor() const {
-    return page_.props.HighlightTodaysDateColor;
-  }
-  void SetHighlightTodaysDateColor(std::string v) {
-    page_.props.HighlightTodaysDateColor = std::move(v);
-  }
-  const std::string& HighlightTodaysTimeColor() const {
-    return page_.props.HighlightTodaysTimeColor;
-  }
-  void SetHighlightTodaysTimeColor(std::string v) {
-    page_.props.HighlightTodaysTimeColor = std::move(v);
-  }
-  const std::string& TimeViewHeadingColor() const { return page_.props.TimeViewHeadingColor; }
-  void SetTimeViewHeadingColor(std::string v) { page_.props.TimeViewHeadingColor = std::move(v); }
-  const std::string& TimeViewDescriptionColor() const {
-    return page_.props.TimeViewDescriptionColor;
-  }
-  void SetTimeViewDescriptionColor(std::string v) {
-    page_.props.TimeViewDescriptionColor = std::move(v);
-  }
-  const std::string& TimeViewSelectedItemColor() const {
-    return page_.props.TimeViewSelectedItemColor;
-  }
-  void SetTimeViewSelectedItemColor(std::string v) {
-    page_.props.TimeViewSelectedItemColor = std::move(v);
-  }
-  const std::string& TimeViewColumnColor() const { return page_.props.TimeViewColumnColor; }
-  void SetTimeViewColumnColor(std::string v) { page_.props.TimeViewColumnColor = std::move(v); }
-  const std::string& CompletedItemColor() const { return page_.props.CompletedItemColor; }
-  void SetCompletedItemColor(std::string v) { page_.props.CompletedItemColor = std::move(v); }
-  bool CompletedItemCrossOut() const { return page_.props.CompletedItemCrossOut; }
-  void SetCompletedItemCrossOut(bool v) { page_.props.CompletedItemCrossOut = v; }
-  const std::string& TidewellColor() const { return page_.props.TidewellColor; }
-  void SetTidewellColor(std::string v) { page_.props.TidewellColor = std::move(v); }
-  const std::string& ImagePath() const { return page_.props.ImagePath; }
-  void SetImagePath(std::string v);
+#include "page/property_list.h"
+#undef TIDEWELL_PROPERTY
 
   // --- Methods ---
   // Binds the context's Request and Response and sets the defaults again, so that only what

@@ -2,24 +2,17 @@
 
 namespace tidewell {
 
-void ResetPropertyDefaults(Properties& p) {
-  const Properties defaults;
-  p.DefaultStartHour = defaults.DefaultStartHour;
-  p.HighlightDeltaDaysColor = defaults.HighlightDeltaDaysColor;
-  p.HighlightTodaysDateColor = defaults.HighlightTodaysDateColor;
-  p.HighlightTodaysTimeColor = defaults.HighlightTodaysTimeColor;
-  p.TimeViewHeadingColor = defaults.TimeViewHeadingColor;
-  p.TimeViewDescriptionColor = defaults.TimeViewDescriptionColor;
-  p.TimeViewSelectedItemColor = defaults.TimeViewSelectedItemColor;
-  p.TimeViewColumnColor = defaults.TimeViewColumnColor;
-  p.CompletedItemColor = defaults.CompletedItemColor;
-  p.TidewellColor = defaults.TidewellColor;
-  p.HexQueryString = defaults.HexQueryString;
+std::string property_kind::Folder::Stored(std::string folder) {
+  if (!folder.empty() && folder.back() != '/') folder += '/';
+  return folder;
 }
 
-void SetImagePath(Properties& p, std::string value) {
-  if (!value.empty() && value.back() != '/') value += '/';
-  p.ImagePath = std::move(value);
+void ResetPropertyDefaults(Properties& p) {
+  const Properties defaults;
+#define TIDEWELL_PROPERTY(kind, Name, default_value, at_start) \
+  if constexpr (AtStartPage::at_start == AtStartPage::kReset) p.Name = defaults.Name;
+#include "page/property_list.h"
+#undef TIDEWELL_PROPERTY
 }
 
 }  // namespace tidewell

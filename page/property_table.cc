@@ -1,7 +1,7 @@
 #include "page/property_table.h"
 
-#include <array>
 #include <string>
+#include <type_traits>
 #include <variant>
 
 #include "runtime/automation_error.h"
@@ -11,38 +11,29 @@
 namespace tidewell {
 namespace {
 
-using Member = std::variant<bool Properties::*, long Properties::*, std::string Properties::*,
-                            ASPDataServer Properties::*>;
+// A member of Properties together with its kind: Text and Folder members have the same
+// type but not the same rule.
+template <typename Kind>
+struct MemberOf {
+  typename Kind::Value Properties::*member;
+};
+
+using Member = std::variant<MemberOf<property_kind::Flag>, MemberOf<property_kind::Number>,
+                            MemberOf<property_kind::Text>, MemberOf<property_kind::Folder>,
+                            MemberOf<property_kind::DataServerChoice>>;
 
 struct Entry {
   std::string_view name;
   Member member;
 };
 
-const std::array<Entry, 22> kProperties = {{
-    {"Visible", &Properties::Visible},
-    {"Position", &Properties::Position},
-    {"HexQueryString", &Properties::HexQueryString},
-    {"DataServer", &Properties::DataServer},
-    {"ConnectionString", &Properties::ConnectionString},
-    {"AllowUserOwnDefaults", &Properties::AllowUserOwnDefaults},
-    {"DefaultStartHour", &Properties::DefaultStartHour},
-    {"Show12HourDay", &Properties::Show12HourDay},
-    {"HighlightDeltaDays", &Properties::HighlightDeltaDays},
-    {"HighlightTodaysDate", &Properties::HighlightTodaysDate},
-    {"HighlightTodaysTime", &Properties::HighlightTodaysTime},
-    {"HighlightDeltaDaysColor", &Properties::HighlightDeltaDaysColor},
-    {"HighlightTodaysDateColor", &Properties::HighlightTodaysDateColor},
-    {"HighlightTodaysTimeColor", &Properties::HighlightTodaysTimeColor},
-    {"TimeViewHeadingColor", &Properties::TimeViewHeadingColor},
-    {"TimeViewDescriptionColor", &Properties::TimeViewDescriptionColor},
-    {"TimeViewSelectedItemColor", &Properties::TimeViewSelectedItemColor},
-    {"TimeViewColumnColor", &Properties::TimeViewColumnColor},
-    {"CompletedItemColor", &Properties::CompletedItemColor},
-    {"CompletedItemCrossOut", &Properties::CompletedItemCrossOut},
-    {"TidewellColor", &Properties::TidewellColor},
-    {"ImagePath", &Properties::ImagePath},
-}};
+// One entry per line of the list, in its order, which is the type library's.
+const Entry kProperties[] = {
+#define TIDEWELL_PROPERTY(kind, Name, default_value, at_start) \
+  {#Name, MemberOf<property_kind::kind>{&Properties::Name}},
+#include "page/property_list.h"
+#undef TIDEWELL_PROPERTY
+};
 
 const Entry* FindOrNull(std::string_view name) {
   for (const Entry& e : kProperties) {
@@ -69,30 +60,35 @@ ASPDataServer ToDataServer(const Variant& value) {
   return static_cast<ASPDataServer>(n);
 }
 
+// A value given by name, converted by the run time's rule for the kind; a value that does
+// not convert raises the type mismatch there.
+bool Converted(property_kind::Flag, const Variant& value) { return CBool(value); }
+long Converted(property_kind::Number, const Variant& value) { return CLng(value); }
+std::string Converted(property_kind::Text, const Variant& value) { return CStr(value); }
+std::string Converted(property_kind::Folder, const Variant& value) { return CStr(value); }
+ASPDataServer Converted(property_kind::DataServerChoice, const Variant& value) {
+  return ToDataServer(value);
+}
+
 }  // namespace
 
 void LetProperty(Properties& p, std::string_view name, const Variant& value) {
-  const Entry& entry = Find(name);
-  if (entry.name == "ImagePath") return SetImagePath(p, CStr(value));
   std::visit(
-      [&](auto member) {
-        using T = std::remove_reference_t<decltype(p.*member)>;
-        if constexpr (std::is_same_v<T, bool>) p.*member = CBool(value);
-        if constexpr (std::is_same_v<T, long>) p.*member = CLng(value);
-        if constexpr (std::is_same_v<T, std::string>) p.*member = CStr(value);
-        if constexpr (std::is_same_v<T, ASPDataServer>) p.*member = ToDataServer(value);
+      [&]<typename Kind>(MemberOf<Kind> m) {
+        // Stored applies the kind's rule (ImagePath's trailing "/"), as the setters do.
+        p.*m.member = Kind::Stored(Converted(Kind{}, value));
       },
-      entry.member);
+      Find(name).member);
 }
 
 Variant GetProperty(const Properties& p, std::string_view name) {
   return std::visit(
-      [&](auto member) -> Variant {
-        using T = std::remove_cvref_t<decltype(p.*member)>;
-        if constexpr (std::is_same_v<T, ASPDataServer>) {
-          return static_cast<int>(p.*member);
+      [&]<typename Kind>(MemberOf<Kind> m) -> Variant {
+        // The data server reads back as its number, the way the type library declared it.
+        if constexpr (std::is_same_v<Kind, property_kind::DataServerChoice>) {
+          return static_cast<int>(p.*m.member);
         } else {
-          return Variant(p.*member);
+          return Variant(p.*m.member);
         }
       },
       Find(name).member);
