@@ -12,7 +12,7 @@
 #include "runtime/conversions.h"
 #include "runtime/dates.h"
 #include "tests/component/site_visit.h"
-#include "tests/data/golden.h"
+#include "tests/support/golden.h"
 
 namespace tidewell::testing {
 

@@ -13,7 +13,7 @@
 #include "runtime/conversions.h"
 #include "runtime/dates.h"
 #include "tests/component/site_visit.h"
-#include "tests/data/golden.h"
+#include "tests/support/golden.h"
 #include "tests/views/calendar_data.h"
 #include "views/item_list.h"
 
