@@ -16,9 +16,9 @@
 #include "runtime/dates.h"
 #include "tests/component/seeded_database.h"
 #include "tests/component/site_visit.h"
-#include "tests/host/command_run.h"
 #include "tests/host/server_process.h"
 #include "tests/host/table_snapshot.h"
+#include "tests/support/run_binary.h"
 #include "tests/views/calendar_data.h"
 
 namespace tidewell {

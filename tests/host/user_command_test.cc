@@ -13,8 +13,8 @@
 #include "data/statement.h"
 #include "runtime/conversions.h"
 #include "tests/data/engines.h"
-#include "tests/host/command_run.h"
 #include "tests/host/table_snapshot.h"
+#include "tests/support/run_binary.h"
 
 namespace tidewell {
 namespace {
