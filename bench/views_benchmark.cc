@@ -20,14 +20,14 @@
 #include <stdexcept>
 #include <string>
 
-#include "page/asp_objects.h"
 #include "component/asp_tidewell.h"
-#include "page/link_codec.h"
-#include "page/link_keys.h"
 #include "data/connection.h"
-#include "data/statement.h"
 #include "data/schema.h"
 #include "data/session.h"
+#include "data/statement.h"
+#include "page/asp_objects.h"
+#include "page/link_codec.h"
+#include "page/link_keys.h"
 #include "runtime/clock.h"
 #include "runtime/dates.h"
 #include "tests/views/busy_month.h"
@@ -57,7 +57,7 @@ class BusyDatabase {
       dialect_ = ASPDataServer::SQLServer;
     }
     CreateSchema(connection_string_);
-    testing::CalendarData data(connection_string_);
+    testing::Seeder data(connection_string_, testing::PasswordHashing::kOncePerProcess);
     month_ = testing::SeedBusyMonth(data);
     stamp_of_bob_ = data.StampOf(month_.bob);
   }
