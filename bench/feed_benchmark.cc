@@ -15,7 +15,7 @@
 #include "feeds/feed_tokens.h"
 #include "runtime/dates.h"
 #include "tests/data/engines.h"
-#include "tests/views/calendar_data.h"
+#include "tests/support/seeder.h"
 
 namespace tidewell {
 namespace {
@@ -64,8 +64,9 @@ void BM_ReadFeedOfAThousandItemsFromSqlite(benchmark::State& state) {
   const std::string connection_string =
       "Provider=SQLite;Data Source=" + folder.path() + "/calendar.db";
   CreateSchema(connection_string);
-  testing::CalendarData data(connection_string);
-  const std::string bob = data.AddUser("bob", data.AddGroup("Crew"), "BB");
+  testing::Seeder data(connection_string, testing::PasswordHashing::kOncePerProcess);
+  const std::string bob =
+      data.AddUser({.name = "bob", .group = data.AddGroup("Crew"), .initials = "BB"});
   std::vector<testing::Item> items;
   for (int i = 0; i < kItems; ++i) {
     items.push_back({.owner = bob,

@@ -15,7 +15,7 @@
 #include "data/session.h"
 #include "page/asp_objects.h"
 #include "tests/data/engines.h"
-#include "tests/views/calendar_data.h"
+#include "tests/support/seeder.h"
 
 namespace tidewell {
 namespace {
@@ -24,10 +24,11 @@ class LoginSite {
  public:
   LoginSite() : connection_string_("Provider=SQLite;Data Source=" + folder_.path() + "/cal.db") {
     CreateSchema(connection_string_);
-    testing::CalendarData data(connection_string_);
+    testing::Seeder data(connection_string_, testing::PasswordHashing::kOncePerProcess);
     const long crew = data.AddGroup("Crew");
-    data.AddUser("admin", crew, "AD", "0+8+0+0+0", /*administrator=*/true);
-    for (int i = 0; i < 1000; ++i) data.AddUser("user" + std::to_string(i), crew, "U");
+    data.AddUser({.name = "admin", .group = crew, .administrator = true, .initials = "AD"});
+    for (int i = 0; i < 1000; ++i)
+      data.AddUser({.name = "user" + std::to_string(i), .group = crew, .initials = "U"});
   }
   ~LoginSite() { ado::ClosePooledSessions(); }
 

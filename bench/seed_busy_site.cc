@@ -14,7 +14,7 @@
 #include "data/session.h"
 #include "data/statement.h"
 #include "runtime/dates.h"
-#include "tests/views/calendar_data.h"
+#include "tests/support/seeder.h"
 
 namespace tidewell {
 namespace {
@@ -54,7 +54,7 @@ ado::Statement PaddingStatement(const std::string& provider, long count,
 
 int Seed(const std::string& connection_string, long padding) {
   CreateSchema(connection_string);
-  testing::CalendarData data(connection_string);
+  testing::Seeder data(connection_string, testing::PasswordHashing::kOncePerProcess);
   const long crew = data.AddGroup("Crew");
   const char* const kNames[] = {"boss", "ann", "bob", "carol", "dave"};
   const char* const kInitials[] = {"BO", "AN", "BB", "CC", "DV"};
@@ -62,7 +62,11 @@ int Seed(const std::string& connection_string, long padding) {
                                    "Call <Ann> & Co", "Dentist", "Planning session", "Gym"};
   std::string keys[5];
   for (int u = 0; u < 5; ++u) {
-    keys[u] = data.AddUser(kNames[u], crew, kInitials[u], "1+8+0+0+0", /*administrator=*/u == 0);
+    keys[u] = data.AddUser({.name = kNames[u],
+                            .group = crew,
+                            .administrator = u == 0,
+                            .options = "1+8+0+0+0",
+                            .initials = kInitials[u]});
   }
   constexpr int kItems = 151;  // five or six a day
   for (int n = 0; n < kItems; ++n) {

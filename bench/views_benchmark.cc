@@ -57,7 +57,7 @@ class BusyDatabase {
       dialect_ = ASPDataServer::SQLServer;
     }
     CreateSchema(connection_string_);
-    testing::CalendarData data(connection_string_);
+    testing::Seeder data(connection_string_, testing::PasswordHashing::kOncePerProcess);
     month_ = testing::SeedBusyMonth(data);
     stamp_of_bob_ = data.StampOf(month_.bob);
   }

@@ -6,7 +6,6 @@
 #include <memory>
 
 #include "accounts/account_updates.h"
-#include "accounts/password_hash.h"
 #include "data/recordset.h"
 #include "data/statement.h"
 #include "page/asp_objects.h"
@@ -16,6 +15,7 @@
 #include "runtime/dates.h"
 #include "tests/component/seeded_database.h"
 #include "tests/data/engines.h"
+#include "tests/support/seeder.h"
 
 namespace tidewell {
 namespace {
@@ -38,8 +38,7 @@ class AccountsOnEngine : public ::testing::Test {
     page_.Screen = screens::kAdministratorOptions;
     page_.Connection = std::make_shared<ado::Connection>();
     page_.Connection->Open(engine_.connection_string);
-    page_.Connection->Execute(Statement("INSERT INTO Groups (GroupName) VALUES ('Crew')"));
-    crew_ = GroupId("Crew");
+    crew_ = testing::Seeder(*page_.Connection).AddGroup("Crew");
     AddUser(kAdmin, "admin", true);
     AddUser(kBob, "bob", false);
     page_.UserKey = kAdmin;
@@ -49,32 +48,19 @@ class AccountsOnEngine : public ::testing::Test {
     if (page_.Connection) page_.Connection->Close();
   }
 
-  long GroupId(const std::string& name) {
-    Recordset rs;
-    rs.Open(Statement("SELECT GroupID FROM Groups WHERE GroupName = ").Text(name),
-            *page_.Connection);
-    return rs.Eof() ? 0 : CLng(rs.Fields("GroupID").Value());
-  }
+  // An account of Crew with one item of its own.
   void AddUser(const char* key, const char* name, bool administrator) {
-    Recordset rs;
-    rs.Open(Statement("Users"), *page_.Connection, ado::adOpenDynamic, ado::adLockOptimistic);
-    rs.AddNew();
-    rs.Fields("OwnerKey").SetValue(key);
-    rs.Fields("Username").SetValue(name);
-    rs.Fields("Password").SetValue(HashPassword("pw"));
-    rs.Fields("Initials").SetValue("XX");
-    rs.Fields("Options").SetValue("1+8+0+0+0");
-    rs.Fields("GroupID").SetValue(crew_);
-    rs.Fields("Administrator").SetValue(administrator);
-    rs.Update();
-    Recordset item;
-    item.Open(Statement("Items"), *page_.Connection, ado::adOpenDynamic, ado::adLockOptimistic);
-    item.AddNew();
-    item.Fields("OwnerKey").SetValue(key);
-    item.Fields("DateStamp").SetValue(DateSerial(2026, 11, 21));
-    item.Fields("TimeStamp").SetValue(9);
-    item.Fields("Heading").SetValue(std::string(name) + "'s item");
-    item.Update();
+    testing::Seeder seeder(*page_.Connection);
+    seeder.AddUser({.key = key,
+                    .name = name,
+                    .group = crew_,
+                    .administrator = administrator,
+                    .options = "1+8+0+0+0"});
+    seeder.AddItem({.owner = key,
+                    .date = DateSerial(2026, 11, 21),
+                    .time_text = std::nullopt,
+                    .heading = std::string(name) + "'s item",
+                    .description = std::nullopt});
   }
   void Posted(const char* name, const char* initials, const char* new_group) {
     request_.Form = {{"username", name},

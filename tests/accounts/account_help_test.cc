@@ -7,7 +7,7 @@
 #include <string>
 
 #include "tests/accounts/account_site.h"
-#include "tests/data/golden.h"
+#include "tests/support/golden.h"
 
 namespace tidewell {
 namespace {

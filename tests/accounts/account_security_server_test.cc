@@ -23,7 +23,7 @@
 #include "tests/data/engines.h"
 #include "tests/host/server_process.h"
 #include "tests/host/site_client.h"
-#include "tests/views/calendar_data.h"
+#include "tests/support/seeder.h"
 
 namespace tidewell {
 namespace {
@@ -115,11 +115,12 @@ class SeededSite : public TwoServers<Engine> {
   void SetUp() override {
     TwoServers<Engine>::SetUp();
     if (this->IsSkipped() || this->HasFatalFailure()) return;
-    testing::CalendarData data(this->engine_.connection_string);
+    testing::Seeder data(this->engine_.connection_string,
+                         testing::PasswordHashing::kOncePerProcess);
     crew_ = data.AddGroup("Crew");
-    boss_ = data.AddUser("boss", crew_, "BO", "0+8+0+0+0", /*administrator=*/true);
-    bob_ = data.AddUser("bob", crew_, "BB");
-    carol_ = data.AddUser("carol", crew_, "CC");
+    boss_ = data.AddUser({.name = "boss", .group = crew_, .administrator = true, .initials = "BO"});
+    bob_ = data.AddUser({.name = "bob", .group = crew_, .initials = "BB"});
+    carol_ = data.AddUser({.name = "carol", .group = crew_, .initials = "CC"});
   }
   long crew_ = 0;
   std::string boss_, bob_, carol_;

@@ -139,18 +139,12 @@ class AccountSite : public SiteTest {
     return "";
   }
 
+  // An item of `owner` on 21 November 2026 at 9:00, without a description.
   void AddItem(const std::string& owner, const std::string& heading) {
-    ado::Connection connection;
-    connection.Open(database_.connection_string());
-    ado::Recordset rs;
-    rs.Open(ado::Statement("Items"), connection, ado::adOpenDynamic, ado::adLockOptimistic);
-    rs.AddNew();
-    rs.Fields("OwnerKey").SetValue(owner);
-    rs.Fields("DateStamp").SetValue(DateSerial(2026, 11, 21));
-    rs.Fields("TimeStamp").SetValue(9);
-    rs.Fields("TimeText").SetValue("09:00");
-    rs.Fields("Heading").SetValue(heading);
-    rs.Update();
+    database_.AddItem({.owner = owner,
+                       .date = DateSerial(2026, 11, 21),
+                       .heading = heading,
+                       .description = std::nullopt});
   }
 
   long deck_ = 0;

@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/accounts/account_site.h"
-#include "tests/data/golden.h"
+#include "tests/support/golden.h"
 
 namespace tidewell {
 namespace {

@@ -12,7 +12,7 @@
 
 #include "accounts/group_updates.h"
 #include "tests/accounts/account_site.h"
-#include "tests/data/golden.h"
+#include "tests/support/golden.h"
 
 namespace tidewell {
 namespace {

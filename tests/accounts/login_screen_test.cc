@@ -6,7 +6,7 @@
 
 #include "accounts/welcome_screen.h"
 #include "tests/component/site_visit.h"
-#include "tests/data/golden.h"
+#include "tests/support/golden.h"
 
 namespace tidewell {
 namespace {

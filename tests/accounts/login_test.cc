@@ -4,9 +4,9 @@
 
 #include <gtest/gtest.h>
 
-#include "accounts/password_hash.h"
 #include "tests/component/site_visit.h"
 #include "tests/data/engines.h"
+#include "tests/support/seeder.h"
 
 namespace tidewell {
 namespace {
@@ -329,31 +329,16 @@ class LoginOnPostgres : public ::testing::Test {
   void SetUp() override {
     std::string skip = engine_.Start();
     if (!skip.empty()) GTEST_SKIP() << skip;
-    ado::Connection connection;
-    connection.Open(engine_.connection_string);
-    connection.Execute(ado::Statement("INSERT INTO Groups (GroupName) VALUES ('Crew')"));
-    ado::Recordset rs;
-    rs.Open(ado::Statement("SELECT GroupID FROM Groups"), connection);
-    group_ = CLng(rs.Fields("GroupID").Value());
+    group_ = testing::Seeder(engine_.connection_string).AddGroup("Crew");
   }
 
   std::string AddAccount(const std::string& name, bool administrator, long view) {
-    std::string key = GenerateOwnerKey();
-    ado::Connection connection;
-    connection.Open(engine_.connection_string);
-    ado::Recordset rs;
-    rs.Open(ado::Statement("Users"), connection, ado::adOpenDynamic, ado::adLockOptimistic);
-    rs.AddNew();
-    rs.Fields("OwnerKey").SetValue(key);
-    rs.Fields("Username").SetValue(name);
-    rs.Fields("Password").SetValue(HashPassword("pw"));
-    rs.Fields("Initials").SetValue("XX");
-    rs.Fields("DefaultView").SetValue(view);
-    rs.Fields("Options").SetValue("0+10+0+0+0");
-    rs.Fields("GroupID").SetValue(group_);
-    rs.Fields("Administrator").SetValue(administrator);
-    rs.Update();
-    return key;
+    return testing::Seeder(engine_.connection_string)
+        .AddUser({.name = name,
+                  .group = group_,
+                  .administrator = administrator,
+                  .default_view = view,
+                  .options = "0+10+0+0+0"});
   }
 
   Page ShowPage(testing::FakeVisit& visit) {

@@ -12,6 +12,7 @@
 #include "runtime/conversions.h"
 #include "runtime/dates.h"
 #include "tests/data/engines.h"
+#include "tests/support/seeder.h"
 
 namespace tidewell::testing {
 
@@ -33,51 +34,27 @@ class CalendarDatabase : public ::testing::Test {
     std::string skip = engine_.Start();
     if (!skip.empty()) GTEST_SKIP() << skip;
     connection_.Open(engine_.connection_string);
-    group_ = AddGroup("Harbour");
-    AddUser("k1", "alice", "secret", group_, /*administrator=*/true, "AC");
-    AddUser("k2", "bob", "pw", group_, /*administrator=*/false, "BO");
+    group_ = seeder_.AddGroup("Harbour");
+    // Stored as typed: the login statement below compares the Password column itself.
+    seeder_.AddUser({.key = "k1",
+                     .name = "alice",
+                     .stored_password = "secret",
+                     .group = group_,
+                     .administrator = true,
+                     .initials = "AC"});
+    seeder_.AddUser(
+        {.key = "k2", .name = "bob", .stored_password = "pw", .group = group_, .initials = "BO"});
   }
 
-  long AddGroup(const char* name) {
-    connection_.Execute(Statement("INSERT INTO Groups (GroupName) VALUES (").Text(name).Add(")"));
-    Recordset rs;
-    rs.Open(Statement("SELECT GroupID FROM Groups WHERE GroupName = ").Text(name), connection_);
-    return CLng(rs.Fields("GroupID").Value());
-  }
-
-  void AddUser(const char* key, const char* name, const char* password, long group,
-               bool administrator, const char* initials) {
-    Recordset rs;
-    rs.Open(Statement("Users"), connection_, ado::adOpenDynamic, ado::adLockOptimistic);
-    rs.AddNew();
-    rs.Fields("OwnerKey").SetValue(key);
-    rs.Fields("Username").SetValue(name);
-    rs.Fields("Password").SetValue(password);
-    rs.Fields("Initials").SetValue(initials);
-    rs.Fields("DefaultView").SetValue(0);
-    rs.Fields("Options").SetValue("0+8+0+0+0");
-    rs.Fields("GroupID").SetValue(group);
-    if (administrator) rs.Fields("Administrator").SetValue(true);
-    rs.Update();
-    rs.Close();
-  }
-
+  // An item at a full hour; its flags stay unassigned unless urgent.
   long AddItem(const char* owner, Date day, long hour, const std::string& heading,
                bool urgent = false) {
-    Recordset rs;
-    rs.Open(Statement("Items"), connection_, ado::adOpenDynamic, ado::adLockOptimistic);
-    rs.AddNew();
-    rs.Fields("OwnerKey").SetValue(owner);
-    rs.Fields("DateStamp").SetValue(day);
-    rs.Fields("TimeStamp").SetValue(hour);
-    rs.Fields("TimeText").SetValue(FormatTwoDigits(hour) + ":00");
-    rs.Fields("Heading").SetValue(heading);
-    rs.Fields("Description").SetValue("");
-    if (urgent) rs.Fields("Urgent").SetValue(true);
-    rs.Update();
-    long id = CLng(rs.Fields("ItemID").Value());
-    rs.Close();
-    return id;
+    return seeder_.AddItem({.owner = owner,
+                            .date = day,
+                            .hour = hour,
+                            .time_text = FormatTwoDigits(hour) + ":00",
+                            .heading = heading,
+                            .urgent = urgent});
   }
 
   // One column of every row a static read-only recordset returns, as text.
@@ -126,6 +103,7 @@ class CalendarDatabase : public ::testing::Test {
 
   Engine engine_;
   ado::Connection connection_;
+  Seeder seeder_{connection_};
   long group_ = 0;
 };
 

@@ -16,7 +16,7 @@
 #include "errors/error_screen.h"
 #include "tests/component/fake_request.h"
 #include "tests/data/engines.h"
-#include "tests/data/golden.h"
+#include "tests/support/golden.h"
 
 namespace tidewell {
 namespace {

@@ -10,7 +10,7 @@
 #include "runtime/conversions.h"
 #include "runtime/dates.h"
 #include "tests/data/engines.h"
-#include "tests/data/golden.h"
+#include "tests/support/golden.h"
 
 namespace tidewell {
 namespace {

@@ -10,7 +10,7 @@
 #include <string>
 
 #include "host/config.h"
-#include "tests/host/command_run.h"
+#include "tests/support/run_binary.h"
 
 namespace tidewell {
 namespace {

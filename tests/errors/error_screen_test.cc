@@ -5,7 +5,7 @@
 #include "data/database_error.h"
 #include "errors/database_errors.h"
 #include "page/page.h"
-#include "tests/data/golden.h"
+#include "tests/support/golden.h"
 
 namespace tidewell {
 namespace {

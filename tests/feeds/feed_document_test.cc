@@ -5,7 +5,6 @@
 #include "feeds/feed_document.h"
 
 #include <gtest/gtest.h>
-
 #include <libical/ical.h>
 
 #include <string>
@@ -15,7 +14,7 @@
 #include "feeds/feed_tokens.h"
 #include "runtime/dates.h"
 #include "tests/data/engines.h"
-#include "tests/views/calendar_data.h"
+#include "tests/support/seeder.h"
 
 namespace tidewell {
 namespace {
@@ -42,12 +41,14 @@ class FeedOnEngine : public ::testing::Test {
   void SetUp() override {
     std::string skip = engine_.Start();
     if (!skip.empty()) GTEST_SKIP() << skip;
-    testing::CalendarData data(engine_.connection_string);
+    testing::Seeder data(engine_.connection_string, testing::PasswordHashing::kOncePerProcess);
     const long crew = data.AddGroup("Crew");
     const long galley = data.AddGroup("Galley");
-    bob_ = data.AddUser("bob", crew, "BB");
-    carla_ = data.AddUser("carla", crew, "CA", "1+8+0+0+0");
-    dora_ = data.AddUser("dora", galley, "DO", "1+8+0+0+0");
+    bob_ = data.AddUser({.name = "bob", .group = crew, .initials = "BB"});
+    carla_ =
+        data.AddUser({.name = "carla", .group = crew, .options = "1+8+0+0+0", .initials = "CA"});
+    dora_ =
+        data.AddUser({.name = "dora", .group = galley, .options = "1+8+0+0+0", .initials = "DO"});
     data.AddItems({{.owner = bob_, .date = DateSerial(2026, 3, 9), .heading = "Before"},
                    {.owner = bob_, .date = DateSerial(2026, 3, 10), .heading = "First"},
                    {.owner = carla_, .date = DateSerial(2026, 3, 22), .hour = 8,

@@ -4,7 +4,7 @@
 
 #include "page/page.h"
 #include "tests/component/site_visit.h"
-#include "tests/data/golden.h"
+#include "tests/support/golden.h"
 
 namespace tidewell {
 namespace {

@@ -5,7 +5,7 @@
 #include "page/page.h"
 #include "runtime/regional_settings.h"
 #include "tests/component/site_visit.h"
-#include "tests/data/golden.h"
+#include "tests/support/golden.h"
 
 namespace tidewell {
 namespace {

@@ -12,14 +12,14 @@
 #include <thread>
 
 #include "tests/component/seeded_database.h"
-#include "tests/host/run_tidewell.h"
 #include "tests/host/server_process.h"
 #include "tests/host/site_client.h"
+#include "tests/support/run_binary.h"
 
 namespace tidewell {
 namespace {
 
-using testing::CommandRun;
+using testing::CommandResult;
 using testing::RunTidewell;
 using testing::ServerProcess;
 
@@ -128,11 +128,11 @@ TEST_F(BackupOverHttp, ACopyTakenWhileItemsAreAddedIsWholeAndConsistent) {
   }
   const long before = live.Count("SELECT COUNT(*) FROM Items");
   const std::string copy = BackupTo("copy.db");
-  CommandRun backup = RunTidewell("backup --to " + copy + " --connection " + connection_);
+  CommandResult backup = RunTidewell("backup --to " + copy + " --connection " + connection_);
   const long after = live.Count("SELECT COUNT(*) FROM Items");
   for (std::thread& writer : writers) writer.join();
 
-  ASSERT_EQ(backup.status, 0) << backup.output;
+  ASSERT_EQ(backup.status, 0) << backup.out;
   EXPECT_EQ(answered.load(), kWriters * kPostsEach);
   EXPECT_EQ(live.Count("SELECT COUNT(*) FROM Items"), kWriters * kPostsEach);
   EXPECT_LT(before, kWriters * kPostsEach) << "the writers were done before the backup";
@@ -148,7 +148,7 @@ TEST_F(BackupOverHttp, ACopyTakenWhileItemsAreAddedIsWholeAndConsistent) {
                          "TimeStamp = 7 AND TimeText = '07:15' AND OwnerKey IS NOT NULL"),
             items);
   EXPECT_EQ(copied.Count("SELECT COUNT(*) FROM Users"), 1);
-  EXPECT_EQ(backup.output, "tidewell backup: " + copy + ", " +
+  EXPECT_EQ(backup.out, "tidewell backup: " + copy + ", " +
                                std::to_string(std::filesystem::file_size(copy)) + " bytes, 1 user, " +
                                std::to_string(items) + " items\n");
   struct stat info;
@@ -165,23 +165,24 @@ TEST_F(BackupOverHttp, ACopyTakenWhileItemsAreAddedIsWholeAndConsistent) {
 TEST_F(BackupOverHttp, AnExistingFileIsKeptUnlessForced) {
   const std::string copy = BackupTo("kept.db");
   std::ofstream(copy) << "an older backup";
-  CommandRun refused = RunTidewell("backup --to " + copy + " --connection " + connection_);
+  CommandResult refused = RunTidewell("backup --to " + copy + " --connection " + connection_);
   EXPECT_EQ(refused.status, 1);
-  EXPECT_EQ(refused.output, "tidewell backup: " + copy + " exists: give --force to replace it.\n");
+  EXPECT_EQ(refused.out, "tidewell backup: " + copy + " exists: give --force to replace it.\n");
   std::ifstream kept(copy);
   EXPECT_EQ(std::string(std::istreambuf_iterator<char>(kept), {}), "an older backup");
 
-  CommandRun forced = RunTidewell("backup --to " + copy + " --force --connection " + connection_);
-  EXPECT_EQ(forced.status, 0) << forced.output;
+  CommandResult forced =
+      RunTidewell("backup --to " + copy + " --force --connection " + connection_);
+  EXPECT_EQ(forced.status, 0) << forced.out;
   SqliteFile copied(copy);
   EXPECT_EQ(copied.Count("SELECT COUNT(*) FROM Users"), 1);
 }
 
 TEST(Backup, OnPostgresItNamesPgDumpAndIsAUsageError) {
-  CommandRun run = RunTidewell(
+  CommandResult run = RunTidewell(
       "backup --to /tmp/never.dump --connection 'Provider=PostgreSQL;host=127.0.0.1;dbname=x'");
   EXPECT_EQ(run.status, 2);
-  EXPECT_NE(run.output.find("pg_dump -Fc"), std::string::npos) << run.output;
+  EXPECT_NE(run.out.find("pg_dump -Fc"), std::string::npos) << run.out;
   EXPECT_FALSE(std::filesystem::exists("/tmp/never.dump"));
 }
 

@@ -5,42 +5,42 @@
 #include <filesystem>
 #include <string>
 
-#include "tests/host/run_tidewell.h"
+#include "tests/support/run_binary.h"
 
 namespace tidewell {
 namespace {
 
-using testing::CommandRun;
+using testing::CommandResult;
 using testing::RunTidewell;
 
 TEST(InitDb, CreatesTheTablesOnceAndThenRefuses) {
   std::string db = ::testing::TempDir() + "/init_db_test_" + std::to_string(getpid()) + ".db";
   std::string connection = "--connection 'Provider=SQLite;Data Source=" + db + "'";
-  CommandRun first = RunTidewell("init-db " + connection);
-  EXPECT_EQ(first.status, 0) << first.output;
-  EXPECT_EQ(first.output,
+  CommandResult first = RunTidewell("init-db " + connection);
+  EXPECT_EQ(first.status, 0) << first.out;
+  EXPECT_EQ(first.out,
             "tidewell init-db: created the tables Groups, Users and Items, and the site's own "
             "TidewellSettings (with a new link secret), LoginFailures, TidewellFeedTokens and "
             "TidewellImportedEvents, at schema version 4\n");
-  CommandRun second = RunTidewell("init-db " + connection);
+  CommandResult second = RunTidewell("init-db " + connection);
   EXPECT_EQ(second.status, 1);
-  EXPECT_NE(second.output.find("Nothing was changed."), std::string::npos) << second.output;
+  EXPECT_NE(second.out.find("Nothing was changed."), std::string::npos) << second.out;
   std::filesystem::remove(db);
 }
 
 TEST(InitDb, WithoutAConnectionIsAUsageError) {
-  CommandRun run = RunTidewell("init-db");
+  CommandResult run = RunTidewell("init-db");
   EXPECT_EQ(run.status, 2);
-  EXPECT_EQ(run.output, "tidewell init-db: give --connection STRING or --config FILE\n");
+  EXPECT_EQ(run.out, "tidewell init-db: give --connection STRING or --config FILE\n");
 }
 
 TEST(Help, EveryCommandHasIt) {
   for (const char* command : {"--help", "serve --help", "render --help", "init-db --help",
                               "migrate --help", "backup --help", "config --help",
                               "user --help", "version --help"}) {
-    CommandRun run = RunTidewell(command);
+    CommandResult run = RunTidewell(command);
     EXPECT_EQ(run.status, 0) << command;
-    EXPECT_EQ(run.output.rfind("Usage: tidewell", 0), 0u) << command << ": " << run.output;
+    EXPECT_EQ(run.out.rfind("Usage: tidewell", 0), 0u) << command << ": " << run.out;
   }
 }
 
@@ -50,9 +50,9 @@ TEST(Commands, UnknownCommandOrOptionIsAUsageError) {
 }
 
 TEST(Render, PrintsTheComponentsText) {
-  CommandRun run = RunTidewell("render --url /cal/default.asp --query WS=7E3G");
+  CommandResult run = RunTidewell("render --url /cal/default.asp --query WS=7E3G");
   EXPECT_EQ(run.status, 1);
-  EXPECT_NE(run.output.find("run-time error 13: Type mismatch"), std::string::npos) << run.output;
+  EXPECT_NE(run.out.find("run-time error 13: Type mismatch"), std::string::npos) << run.out;
 }
 
 TEST(Config, PrintsWhatTheServerWouldRunWithSecretsMasked) {
@@ -62,25 +62,25 @@ TEST(Config, PrintsWhatTheServerWouldRunWithSecretsMasked) {
              "ConnectionString = Provider=PostgreSQL;host=db;Password=hunter2;dbname=t\n",
              out);
   std::fclose(out);
-  CommandRun run = RunTidewell("config --config " + file);
-  EXPECT_EQ(run.status, 0) << run.output;
-  EXPECT_NE(run.output.find("Workers = 4\n"), std::string::npos) << run.output;
-  EXPECT_NE(run.output.find("LinkSecret = ********\n"), std::string::npos) << run.output;
-  EXPECT_NE(run.output.find("host=db;Password=********;dbname=t\n"), std::string::npos)
-      << run.output;
-  EXPECT_EQ(run.output.find("hunter2"), std::string::npos);
-  EXPECT_EQ(run.output.find("file-secret"), std::string::npos);
-  EXPECT_NE(run.output.find("Feeds = off\nTimeZone = "), std::string::npos) << run.output;
-  EXPECT_NE(run.output.find("FeedDaysBack = 90\nFeedDaysAhead = 400\n"), std::string::npos);
+  CommandResult run = RunTidewell("config --config " + file);
+  EXPECT_EQ(run.status, 0) << run.out;
+  EXPECT_NE(run.out.find("Workers = 4\n"), std::string::npos) << run.out;
+  EXPECT_NE(run.out.find("LinkSecret = ********\n"), std::string::npos) << run.out;
+  EXPECT_NE(run.out.find("host=db;Password=********;dbname=t\n"), std::string::npos)
+      << run.out;
+  EXPECT_EQ(run.out.find("hunter2"), std::string::npos);
+  EXPECT_EQ(run.out.find("file-secret"), std::string::npos);
+  EXPECT_NE(run.out.find("Feeds = off\nTimeZone = "), std::string::npos) << run.out;
+  EXPECT_NE(run.out.find("FeedDaysBack = 90\nFeedDaysAhead = 400\n"), std::string::npos);
 
   run = RunTidewell("config --config " + file, "TIDEWELL_WORKERS=7");
-  EXPECT_EQ(run.status, 0) << run.output;
-  EXPECT_NE(run.output.find("Workers = 7\n"), std::string::npos) << run.output;
-  EXPECT_NE(run.output.find(", TIDEWELL_WORKERS"), std::string::npos) << run.output;
+  EXPECT_EQ(run.status, 0) << run.out;
+  EXPECT_NE(run.out.find("Workers = 7\n"), std::string::npos) << run.out;
+  EXPECT_NE(run.out.find(", TIDEWELL_WORKERS"), std::string::npos) << run.out;
 
   run = RunTidewell("config --config " + file, "TIDEWELL_WORKERS=0");
   EXPECT_EQ(run.status, 1);
-  EXPECT_EQ(run.output,
+  EXPECT_EQ(run.out,
             "tidewell config: environment TIDEWELL_WORKERS: Workers is a whole number from 1 to "
             "256, not 0\n");
   std::filesystem::remove(file);

@@ -16,10 +16,10 @@
 #include "runtime/dates.h"
 #include "tests/component/seeded_database.h"
 #include "tests/component/site_visit.h"
-#include "tests/host/command_run.h"
 #include "tests/host/server_process.h"
 #include "tests/host/table_snapshot.h"
-#include "tests/views/calendar_data.h"
+#include "tests/support/run_binary.h"
+#include "tests/support/seeder.h"
 
 namespace tidewell {
 namespace {
@@ -54,12 +54,16 @@ std::vector<std::string> Fields(const std::string& event) {
 class FeedServer : public ::testing::Test {
  protected:
   void SetUp() override {
-    data_ = std::make_unique<testing::CalendarData>(database_.connection_string());
+    data_ = std::make_unique<testing::Seeder>(database_.connection_string(),
+                                              testing::PasswordHashing::kOncePerProcess);
     const long crew = data_->AddGroup("Crew");
     const long galley = data_->AddGroup("Galley");
-    bob_ = data_->AddUser("bob", crew, "BB");                      // his own items only
-    carla_ = data_->AddUser("carla", crew, "CA", "1+8+0+0+0");     // the whole group
-    dora_ = data_->AddUser("dora", galley, "DO");
+    bob_ = data_->AddUser({.name = "bob", .group = crew, .initials = "BB"});  // his own items only
+    carla_ = data_->AddUser({.name = "carla",
+                             .group = crew,
+                             .options = "1+8+0+0+0",
+                             .initials = "CA"});  // the whole group
+    dora_ = data_->AddUser({.name = "dora", .group = galley, .initials = "DO"});
     Write("Feeds = on\nTimeZone = Europe/Berlin\nFeedDaysBack = 10\nFeedDaysAhead = 20\n");
   }
 
@@ -157,7 +161,7 @@ class FeedServer : public ::testing::Test {
   }
 
   testing::SeededDatabase database_;
-  std::unique_ptr<testing::CalendarData> data_;
+  std::unique_ptr<testing::Seeder> data_;
   std::string bob_, carla_, dora_;
   std::string config_;
   std::unique_ptr<ServerProcess> server_;

@@ -16,8 +16,8 @@
 #include "runtime/conversions.h"
 #include "runtime/dates.h"
 #include "tests/data/engines.h"
-#include "tests/host/command_run.h"
 #include "tests/host/table_snapshot.h"
+#include "tests/support/run_binary.h"
 
 namespace tidewell {
 namespace {

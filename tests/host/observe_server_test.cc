@@ -11,9 +11,9 @@
 
 #include "tests/component/seeded_database.h"
 #include "tests/component/site_visit.h"
-#include "tests/host/command_run.h"
 #include "tests/host/server_process.h"
 #include "tests/host/site_client.h"
+#include "tests/support/run_binary.h"
 
 namespace tidewell {
 namespace {

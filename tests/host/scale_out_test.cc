@@ -21,7 +21,7 @@
 #include "tests/data/engines.h"
 #include "tests/host/server_process.h"
 #include "tests/host/site_client.h"
-#include "tests/views/calendar_data.h"
+#include "tests/support/seeder.h"
 
 namespace tidewell {
 namespace {
@@ -69,8 +69,8 @@ class ScaleOut : public ::testing::Test {
     if (!std::filesystem::exists(TIDEWELL_NGINX)) {
       GTEST_SKIP() << "nginx is missing: scripts/setup.sh installs it";
     }
-    testing::CalendarData data(engine_.connection_string);
-    bob_ = data.AddUser("bob", data.AddGroup("Crew"), "BB");
+    testing::Seeder data(engine_.connection_string, testing::PasswordHashing::kOncePerProcess);
+    bob_ = data.AddUser({.name = "bob", .group = data.AddGroup("Crew"), .initials = "BB"});
     folder_ = std::filesystem::path(::testing::TempDir()) /
               ("tidewell_scale_out_" + std::to_string(getpid()));
     std::filesystem::create_directories(folder_ / "nginx");

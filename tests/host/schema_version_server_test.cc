@@ -10,14 +10,14 @@
 #include "data/statement.h"
 #include "tests/data/engines.h"
 #include "tests/data/version_one_schema.h"
-#include "tests/host/run_tidewell.h"
 #include "tests/host/server_process.h"
 #include "tests/host/site_client.h"
+#include "tests/support/run_binary.h"
 
 namespace tidewell {
 namespace {
 
-using testing::CommandRun;
+using testing::CommandResult;
 using testing::RunTidewell;
 using testing::ServerProcess;
 
@@ -92,17 +92,17 @@ TYPED_TEST(SchemaVersionServer, ServeAndRenderRefuseADatabaseANewerTidewellUpgra
                      "this one knows up to 4: run the newer tidewell\n"),
             std::string::npos)
       << log;
-  CommandRun render = RunTidewell("render --config " + this->config_);
+  CommandResult render = RunTidewell("render --config " + this->config_);
   EXPECT_EQ(render.status, 1);
-  EXPECT_NE(render.output.find("upgraded by a newer tidewell (version 5)"), std::string::npos)
-      << render.output;
+  EXPECT_NE(render.out.find("upgraded by a newer tidewell (version 5)"), std::string::npos)
+      << render.out;
 }
 
 TYPED_TEST(SchemaVersionServer, MigrateOnceThenTheSiteIsServedWithItsAccountsAndItems) {
   this->MakeVersionOneSite();
-  CommandRun migrate = RunTidewell("migrate --config " + this->config_);
-  EXPECT_EQ(migrate.status, 0) << migrate.output;
-  EXPECT_EQ(migrate.output,
+  CommandResult migrate = RunTidewell("migrate --config " + this->config_);
+  EXPECT_EQ(migrate.status, 0) << migrate.out;
+  EXPECT_EQ(migrate.out,
             "tidewell migrate: schema version 1 → 2: the database records its schema version in "
             "TidewellSettings\n"
             "tidewell migrate: schema version 2 → 3: added TidewellFeedTokens (each account's "
@@ -110,9 +110,9 @@ TYPED_TEST(SchemaVersionServer, MigrateOnceThenTheSiteIsServedWithItsAccountsAnd
             "made items of)\n"
             "tidewell migrate: schema version 3 → 4: the items' index on their owner also holds "
             "their date (Items_OwnerKey_DateStamp)\n");
-  CommandRun again = RunTidewell("migrate --config " + this->config_);
-  EXPECT_EQ(again.status, 0) << again.output;
-  EXPECT_EQ(again.output,
+  CommandResult again = RunTidewell("migrate --config " + this->config_);
+  EXPECT_EQ(again.status, 0) << again.out;
+  EXPECT_EQ(again.out,
             "tidewell migrate: the database is at schema version 4 already; nothing to do\n");
 
   auto server = this->Serve();

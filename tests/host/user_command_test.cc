@@ -13,8 +13,9 @@
 #include "data/statement.h"
 #include "runtime/conversions.h"
 #include "tests/data/engines.h"
-#include "tests/host/command_run.h"
 #include "tests/host/table_snapshot.h"
+#include "tests/support/run_binary.h"
+#include "tests/support/seeder.h"
 
 namespace tidewell {
 namespace {
@@ -68,13 +69,7 @@ class UserCommand : public ::testing::Test {
   }
 
   void AddItem(const std::string& owner_key, const std::string& heading) {
-    ado::Connection connection;
-    connection.Open(engine_.connection_string);
-    connection.Execute(ado::Statement("INSERT INTO Items (OwnerKey, Heading) VALUES (")
-                           .Text(owner_key)
-                           .Add(", ")
-                           .Text(heading)
-                           .Add(")"));
+    testing::Seeder(engine_.connection_string).AddItem({.owner = owner_key, .heading = heading});
   }
 
   long ItemsOf(const std::string& owner_key) {

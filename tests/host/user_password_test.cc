@@ -17,9 +17,9 @@
 #include "data/statement.h"
 #include "runtime/conversions.h"
 #include "tests/data/engines.h"
-#include "tests/host/command_run.h"
 #include "tests/host/server_process.h"
 #include "tests/host/site_client.h"
+#include "tests/support/run_binary.h"
 
 namespace tidewell {
 namespace {

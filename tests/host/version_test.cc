@@ -5,7 +5,7 @@
 #include <string>
 
 #include "data/engine_versions.h"
-#include "tests/host/command_run.h"
+#include "tests/support/run_binary.h"
 
 namespace tidewell {
 namespace {

@@ -13,6 +13,8 @@
 #include "runtime/conversions.h"
 #include "runtime/dates.h"
 #include "tests/data/engines.h"
+#include "tests/support/cast.h"
+#include "tests/support/seeder.h"
 
 namespace tidewell {
 namespace {
@@ -20,8 +22,8 @@ namespace {
 using ado::Recordset;
 using ado::Statement;
 
-constexpr const char* kBob = "0b0b0b0b0b0b0b0b0b0b0b0b0b0b0b0b";
-constexpr const char* kCarol = "0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c";
+using testing::cast::kBob;
+using testing::cast::kCarol;
 
 template <class Engine>
 class ItemUpdatesOnEngine : public ::testing::Test {
@@ -52,17 +54,12 @@ class ItemUpdatesOnEngine : public ::testing::Test {
   }
 
   long AddCarolsItem() {
-    Recordset rs;
-    rs.Open(Statement("Items"), *page_.Connection, ado::adOpenDynamic, ado::adLockOptimistic);
-    rs.AddNew();
-    rs.Fields("OwnerKey").SetValue(kCarol);
-    rs.Fields("DateStamp").SetValue(DateSerial(2026, 11, 25));
-    rs.Fields("TimeStamp").SetValue(9);
-    rs.Fields("TimeText").SetValue("09:00");
-    rs.Fields("Heading").SetValue("Carol's");
-    rs.Fields("Urgent").SetValue(true);
-    rs.Update();
-    return CLng(rs.Fields("ItemID").Value());
+    return testing::Seeder(*page_.Connection)
+        .AddItem({.owner = kCarol,
+                  .date = DateSerial(2026, 11, 25),
+                  .heading = "Carol's",
+                  .description = std::nullopt,
+                  .urgent = true});
   }
 
   // "heading|hour|urgent|complete|owner" of item `id`, or "" when it is gone.

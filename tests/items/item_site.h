@@ -11,11 +11,13 @@
 #include "runtime/conversions.h"
 #include "runtime/dates.h"
 #include "tests/component/site_visit.h"
-#include "tests/data/golden.h"
+#include "tests/support/cast.h"
+#include "tests/support/golden.h"
+#include "tests/support/seeder.h"
 
 namespace tidewell::testing {
 
-// An item as the Items table holds it.
+// An item as a test reads it back from the Items table.
 struct StoredItem {
   long id = 0;
   std::string owner = "";
@@ -33,26 +35,15 @@ struct StoredItem {
 // a fixed key so that expected pages can name it.
 class ItemSiteTest : public SiteTest {
  protected:
-  static constexpr const char* kBob = "0b0b0b0b0b0b0b0b0b0b0b0b0b0b0b0b";
-  static constexpr const char* kCarol = "0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c";
-  static constexpr const char* kDave = "0d0d0d0d0d0d0d0d0d0d0d0d0d0d0d0d";
-  static constexpr const char* kAnn = "0a0a0a0a0a0a0a0a0a0a0a0a0a0a0a0a";
+  static constexpr const char* kBob = cast::kBob;
+  static constexpr const char* kCarol = cast::kCarol;
+  static constexpr const char* kDave = cast::kDave;
+  static constexpr const char* kAnn = cast::kAnn;
 
   void SetUp() override {
     SiteTest::SetUp();
     deck_ = database_.AddGroup("Deck");
-    database_.AddUser({.key = kAnn,
-                       .name = "ann",
-                       .password = "pw",
-                       .group = crew_,
-                       .administrator = true,
-                       .initials = "AA"});
-    database_.AddUser(
-        {.key = kBob, .name = "bob", .password = "pw", .group = crew_, .initials = "BB"});
-    database_.AddUser(
-        {.key = kCarol, .name = "carol", .password = "pw", .group = crew_, .initials = "CC"});
-    database_.AddUser(
-        {.key = kDave, .name = "dave", .password = "pw", .group = deck_, .initials = "DD"});
+    cast::Add(database_, cast::AccountsIn(crew_, deck_));
     connection_.Open(database_.connection_string());
   }
   void TearDown() override {
@@ -61,21 +52,7 @@ class ItemSiteTest : public SiteTest {
   }
 
   // Writes an item straight into the table and answers its ItemID.
-  long AddItem(const StoredItem& item) {
-    ado::Recordset rs;
-    rs.Open(ado::Statement("Items"), connection_, ado::adOpenDynamic, ado::adLockOptimistic);
-    rs.AddNew();
-    rs.Fields("OwnerKey").SetValue(item.owner);
-    rs.Fields("DateStamp").SetValue(item.date);
-    rs.Fields("TimeStamp").SetValue(item.hour);
-    rs.Fields("TimeText").SetValue(item.time_text);
-    rs.Fields("Heading").SetValue(item.heading);
-    rs.Fields("Description").SetValue(item.description);
-    rs.Fields("Urgent").SetValue(item.urgent);
-    rs.Fields("Complete").SetValue(item.complete);
-    rs.Update();
-    return CLng(rs.Fields("ItemID").Value());
-  }
+  long AddItem(const Item& item) { return database_.AddItem(item); }
 
   // Every item in the table, in the order they were made.
   std::vector<StoredItem> Items() {

@@ -5,7 +5,6 @@
 
 #include <memory>
 
-#include "accounts/password_hash.h"
 #include "data/recordset.h"
 #include "data/statement.h"
 #include "page/asp_objects.h"
@@ -15,20 +14,21 @@
 #include "search/search_results.h"
 #include "tests/data/engines.h"
 #include "tests/search/search_site.h"
+#include "tests/support/cast.h"
+#include "tests/support/seeder.h"
 
 namespace tidewell {
 namespace {
 
-using ado::Recordset;
 using ado::Statement;
 using testing::FoundHeadings;
 using testing::UserHeadings;
 using Strings = std::vector<std::string>;
 
-constexpr const char* kAnn = "0a0a0a0a0a0a0a0a0a0a0a0a0a0a0a0a";
-constexpr const char* kBob = "0b0b0b0b0b0b0b0b0b0b0b0b0b0b0b0b";
-constexpr const char* kCarol = "0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c";
-constexpr const char* kDave = "0d0d0d0d0d0d0d0d0d0d0d0d0d0d0d0d";
+using testing::cast::kAnn;
+using testing::cast::kBob;
+using testing::cast::kCarol;
+using testing::cast::kDave;
 constexpr const char* kAbe = "0e0e0e0e0e0e0e0e0e0e0e0e0e0e0e0e";
 
 // Crew: the administrator ann, bob (who sees his whole group) and carol; Deck: abe and dave.
@@ -41,54 +41,23 @@ class SearchOnEngine : public ::testing::Test {
     if (!skip.empty()) GTEST_SKIP() << skip;
     connection_ = std::make_shared<ado::Connection>();
     connection_->Open(engine_.connection_string);
-    crew_ = AddGroup("Crew");
-    deck_ = AddGroup("Deck");
-    AddUser(kAnn, "ann", crew_, true);
-    AddUser(kBob, "bob", crew_, false);
-    AddUser(kCarol, "carol", crew_, false);
-    AddUser(kAbe, "abe", deck_, false);
-    AddUser(kDave, "dave", deck_, false);
-    AddItem(kBob, DateSerial(2026, 11, 5), "Harbour b");
-    AddItem(kCarol, DateSerial(2026, 11, 6), "harbour c");
-    AddItem(kDave, DateSerial(2026, 11, 7), "Harbour d");
-    AddItem(kDave, DateSerial(2026, 11, 7), "Galley");
-    AddItem(kAbe, DateSerial(2026, 11, 8), "HARBOUR e");
-    AddItem(kAnn, DateSerial(2026, 12, 1), "Harbour a");
+    testing::Seeder seeder(*connection_);
+    crew_ = seeder.AddGroup("Crew");
+    deck_ = seeder.AddGroup("Deck");
+    seeder.AddUser({.key = kAnn, .name = "ann", .group = crew_, .administrator = true});
+    seeder.AddUser({.key = kBob, .name = "bob", .group = crew_});
+    seeder.AddUser({.key = kCarol, .name = "carol", .group = crew_});
+    seeder.AddUser({.key = kAbe, .name = "abe", .group = deck_});
+    seeder.AddUser({.key = kDave, .name = "dave", .group = deck_});
+    seeder.AddItem({.owner = kBob, .date = DateSerial(2026, 11, 5), .heading = "Harbour b"});
+    seeder.AddItem({.owner = kCarol, .date = DateSerial(2026, 11, 6), .heading = "harbour c"});
+    seeder.AddItem({.owner = kDave, .date = DateSerial(2026, 11, 7), .heading = "Harbour d"});
+    seeder.AddItem({.owner = kDave, .date = DateSerial(2026, 11, 7), .heading = "Galley"});
+    seeder.AddItem({.owner = kAbe, .date = DateSerial(2026, 11, 8), .heading = "HARBOUR e"});
+    seeder.AddItem({.owner = kAnn, .date = DateSerial(2026, 12, 1), .heading = "Harbour a"});
   }
   void TearDown() override {
     if (connection_) connection_->Close();
-  }
-
-  long AddGroup(const std::string& name) {
-    connection_->Execute(Statement("INSERT INTO Groups (GroupName) VALUES (").Text(name).Add(")"));
-    Recordset rs;
-    rs.Open(Statement("SELECT GroupID FROM Groups WHERE GroupName = ").Text(name), *connection_);
-    return CLng(rs.Fields("GroupID").Value());
-  }
-  void AddUser(const char* key, const char* name, long group, bool administrator) {
-    Recordset rs;
-    rs.Open(Statement("Users"), *connection_, ado::adOpenDynamic, ado::adLockOptimistic);
-    rs.AddNew();
-    rs.Fields("OwnerKey").SetValue(key);
-    rs.Fields("Username").SetValue(name);
-    rs.Fields("Password").SetValue(HashPassword("pw"));
-    rs.Fields("Initials").SetValue("XX");
-    rs.Fields("Options").SetValue("0+8+0+0+0");
-    rs.Fields("GroupID").SetValue(group);
-    rs.Fields("Administrator").SetValue(administrator);
-    rs.Update();
-  }
-  void AddItem(const char* owner, Date date, const char* heading) {
-    Recordset rs;
-    rs.Open(Statement("Items"), *connection_, ado::adOpenDynamic, ado::adLockOptimistic);
-    rs.AddNew();
-    rs.Fields("OwnerKey").SetValue(owner);
-    rs.Fields("DateStamp").SetValue(date);
-    rs.Fields("TimeStamp").SetValue(9);
-    rs.Fields("TimeText").SetValue("09:00");
-    rs.Fields("Heading").SetValue(heading);
-    rs.Fields("Description").SetValue("");
-    rs.Update();
   }
 
   // `key` (of `group`) searches November 2026 for "harbour" in `owner`; answers the result

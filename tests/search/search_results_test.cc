@@ -57,7 +57,11 @@ TEST_F(SearchResultsTest, ATableSpanningTwoGroupsAndThreeUsers) {
                               .time_text = "10:45",
                               .heading = "Harbour pilot"});
   AddNovemberItem(kDave, 12, "Galley");
-  AddItem({.owner = kCarol, .date = DateSerial(2026, 12, 2), .heading = "Harbour late"});
+  AddItem({.owner = kCarol,
+           .date = DateSerial(2026, 12, 2),
+           .hour = 0,
+           .time_text = "",
+           .heading = "Harbour late"});
 
   std::string html = Search(kAnn, "all", "Harbour").Show();
   auto values = Keys();
@@ -101,16 +105,32 @@ TEST_F(SearchResultsTest, AnEndDateBeforeTheStartDateGivesTheEmptyResultMessage)
 TEST_F(SearchResultsTest, BothDatesAreInTheRange) {
   AddNovemberItem(kCarol, 1, "Harbour first");
   AddNovemberItem(kCarol, 30, "Harbour last");
-  AddItem({.owner = kCarol, .date = DateSerial(2026, 10, 31), .heading = "Harbour before"});
-  AddItem({.owner = kCarol, .date = DateSerial(2026, 12, 1), .heading = "Harbour after"});
+  AddItem({.owner = kCarol,
+           .date = DateSerial(2026, 10, 31),
+           .hour = 0,
+           .time_text = "",
+           .heading = "Harbour before"});
+  AddItem({.owner = kCarol,
+           .date = DateSerial(2026, 12, 1),
+           .hour = 0,
+           .time_text = "",
+           .heading = "Harbour after"});
   std::string html = Search(kCarol, kCarol, "Harbour", "11/1/2026", "11/30/2026").Show();
   EXPECT_EQ(FoundHeadings(html), (Strings{"Harbour first", "Harbour last"}));
 }
 
 TEST_F(SearchResultsTest, DayFirstDatesAreReadAsTheServerWritesThemAndSplicedMonthFirst) {
   ScopedRegionalSettings british("en-GB");
-  AddItem({.owner = kCarol, .date = DateSerial(2027, 1, 5), .hour = 9, .heading = "Harbour Jan"});
-  AddItem({.owner = kCarol, .date = DateSerial(2027, 5, 1), .hour = 9, .heading = "Harbour May"});
+  AddItem({.owner = kCarol,
+           .date = DateSerial(2027, 1, 5),
+           .hour = 9,
+           .time_text = "",
+           .heading = "Harbour Jan"});
+  AddItem({.owner = kCarol,
+           .date = DateSerial(2027, 5, 1),
+           .hour = 9,
+           .time_text = "",
+           .heading = "Harbour May"});
   // 2 to 6 January as a British server reads it; month first it would be February to June.
   std::string html = Visit()
                          .Link("~15/0~21/11/2026~14~0~" + InLink(kCarol) + "~~~")

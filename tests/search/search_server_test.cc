@@ -57,17 +57,12 @@ class SearchOverHttp : public ::testing::Test {
 
   // An item on a day of November 2026 at a full hour.
   void AddItem(const std::string& owner, int day, long hour, const char* heading) {
-    ado::Connection connection;
-    connection.Open(database_.connection_string());
-    ado::Recordset rs;
-    rs.Open(ado::Statement("Items"), connection, ado::adOpenDynamic, ado::adLockOptimistic);
-    rs.AddNew();
-    rs.Fields("OwnerKey").SetValue(owner);
-    rs.Fields("DateStamp").SetValue(DateSerial(2026, 11, day));
-    rs.Fields("TimeStamp").SetValue(hour);
-    rs.Fields("TimeText").SetValue(FormatTwoDigits(hour) + ":00");
-    rs.Fields("Heading").SetValue(heading);
-    rs.Update();
+    database_.AddItem({.owner = owner,
+                       .date = DateSerial(2026, 11, day),
+                       .hour = hour,
+                       .time_text = FormatTwoDigits(hour) + ":00",
+                       .heading = heading,
+                       .description = std::nullopt});
   }
 
   std::string Get(const std::string& link) {

@@ -12,73 +12,32 @@
 #include "runtime/conversions.h"
 #include "runtime/dates.h"
 #include "tests/component/site_visit.h"
-#include "tests/data/golden.h"
+#include "tests/support/cast.h"
+#include "tests/support/golden.h"
+#include "tests/support/seeder.h"
 
 namespace tidewell::testing {
-
-// An item as the Items table holds it.
-struct SearchItem {
-  std::string owner = "";
-  Date date = {};
-  long hour = 0;
-  std::string time_text = "";
-  std::string heading = "";
-  bool urgent = false;
-  bool complete = false;
-};
 
 // Searches on Saturday 21 November 2026, 2:05 PM (SiteTest's clock and signing) by the
 // administrator ann, bob (who sees his whole group) and carol of the group Crew, and dave of
 // Deck, each with a fixed key so that expected pages can name it.
 class SearchSiteTest : public SiteTest {
  protected:
-  static constexpr const char* kAnn = "0a0a0a0a0a0a0a0a0a0a0a0a0a0a0a0a";
-  static constexpr const char* kBob = "0b0b0b0b0b0b0b0b0b0b0b0b0b0b0b0b";
-  static constexpr const char* kCarol = "0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c";
-  static constexpr const char* kDave = "0d0d0d0d0d0d0d0d0d0d0d0d0d0d0d0d";
+  static constexpr const char* kAnn = cast::kAnn;
+  static constexpr const char* kBob = cast::kBob;
+  static constexpr const char* kCarol = cast::kCarol;
+  static constexpr const char* kDave = cast::kDave;
 
   void SetUp() override {
     SiteTest::SetUp();
     deck_ = database_.AddGroup("Deck");
-    database_.AddUser({.key = kAnn,
-                       .name = "ann",
-                       .password = "pw",
-                       .group = crew_,
-                       .administrator = true,
-                       .initials = "AA"});
-    database_.AddUser({.key = kBob,
-                       .name = "bob",
-                       .password = "pw",
-                       .group = crew_,
-                       .options = "1+8+0+0+0",
-                       .initials = "BB"});
-    database_.AddUser(
-        {.key = kCarol, .name = "carol", .password = "pw", .group = crew_, .initials = "CC"});
-    database_.AddUser(
-        {.key = kDave, .name = "dave", .password = "pw", .group = deck_, .initials = "DD"});
-    connection_.Open(database_.connection_string());
-  }
-  void TearDown() override {
-    connection_.Close();
-    SiteTest::TearDown();
+    cast::Accounts people = cast::AccountsIn(crew_, deck_);
+    people.bob.options = "1+8+0+0+0";  // bob sees his whole group
+    cast::Add(database_, people);
   }
 
   // Writes an item straight into the table and answers its ItemID.
-  long AddItem(const SearchItem& item) {
-    ado::Recordset rs;
-    rs.Open(ado::Statement("Items"), connection_, ado::adOpenDynamic, ado::adLockOptimistic);
-    rs.AddNew();
-    rs.Fields("OwnerKey").SetValue(item.owner);
-    rs.Fields("DateStamp").SetValue(item.date);
-    rs.Fields("TimeStamp").SetValue(item.hour);
-    rs.Fields("TimeText").SetValue(item.time_text);
-    rs.Fields("Heading").SetValue(item.heading);
-    rs.Fields("Description").SetValue("");
-    rs.Fields("Urgent").SetValue(item.urgent);
-    rs.Fields("Complete").SetValue(item.complete);
-    rs.Update();
-    return CLng(rs.Fields("ItemID").Value());
-  }
+  long AddItem(const Item& item) { return database_.AddItem(item); }
 
   // An item of `owner` on a November 2026 day at 9:00.
   long AddNovemberItem(const char* owner, int day, std::string heading) {
@@ -117,7 +76,6 @@ class SearchSiteTest : public SiteTest {
             {"dave", Expected(kDave)}};
   }
 
-  ado::Connection connection_;
   long deck_ = 0;
 };
 

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "runtime/dates.h"
-#include "tests/views/calendar_data.h"
+#include "tests/support/seeder.h"
 
 namespace tidewell::testing {
 
@@ -26,15 +26,15 @@ inline int BusyDayItems(int day) {
 // urgent, every fourth complete, headings short and long, one with markup characters) and one
 // item a day for carol. Bob's account has the show-all option off, so carol's items stay in
 // her own calendar.
-inline BusyMonth SeedBusyMonth(CalendarData& data) {
+inline BusyMonth SeedBusyMonth(Seeder& data) {
   static const char* const kHeadings[] = {"Standup", "Review the quarterly budget",
                                           "Lunch",   "Call <Ann> & Co",
                                           "Dentist", "Planning session",
                                           "Gym"};
   BusyMonth month;
   month.group = data.AddGroup("Crew");
-  month.bob = data.AddUser("bob", month.group, "BB");
-  month.carol = data.AddUser("carol", month.group, "CC");
+  month.bob = data.AddUser({.name = "bob", .group = month.group, .initials = "BB"});
+  month.carol = data.AddUser({.name = "carol", .group = month.group, .initials = "CC"});
   int n = 0;
   for (int day = 1; day <= 30; ++day) {
     for (int k = 0; k < BusyDayItems(day); ++k, ++n) {

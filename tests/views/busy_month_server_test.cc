@@ -71,9 +71,9 @@ struct StoredItem {
 class BusyMonthOverHttp : public ::testing::Test {
  protected:
   void SetUp() override {
-    testing::CalendarData data(database_.connection_string());
+    testing::Seeder data(database_.connection_string(), testing::PasswordHashing::kOncePerProcess);
     month_ = testing::SeedBusyMonth(data);
-    data.AddUser("admin", month_.group, "AD", "0+8+0+0+0", /*administrator=*/true);
+    data.AddUser({.name = "admin", .group = month_.group, .administrator = true, .initials = "AD"});
     ReadItems();
     std::string config = database_.folder() + "/site.conf";
     std::ofstream(config) << "Visible = True\nImagePath = images/\n"

@@ -10,7 +10,7 @@
 #include "runtime/conversions.h"
 #include "runtime/dates.h"
 #include "tests/data/engines.h"
-#include "tests/views/calendar_data.h"
+#include "tests/support/seeder.h"
 #include "views/item_list.h"
 #include "views/item_list_statements.h"
 
@@ -53,10 +53,10 @@ class ItemListOnEngine : public ::testing::Test {
   void SetUp() override {
     std::string skip = engine_.Start();
     if (!skip.empty()) GTEST_SKIP() << skip;
-    testing::CalendarData data(engine_.connection_string);
+    testing::Seeder data(engine_.connection_string, testing::PasswordHashing::kOncePerProcess);
     const long crew = data.AddGroup("Crew");
-    bob_ = data.AddUser("bob", crew, "BB");
-    const std::string carol = data.AddUser("carol", crew, "CC");
+    bob_ = data.AddUser({.name = "bob", .group = crew, .initials = "BB"});
+    const std::string carol = data.AddUser({.name = "carol", .group = crew, .initials = "CC"});
     data.AddItem({.owner = bob_,
                   .date = DateSerial(2026, 11, 3),
                   .hour = 9,

@@ -18,7 +18,8 @@ class OptionLists : public ViewTest {
 
   void SetUp() override {
     ViewTest::SetUp();
-    data_.AddUser("ann", crew_, "AN", "0+8+0+0+0", /*administrator=*/true, kAnn);
+    data_.AddUser(
+        {.key = kAnn, .name = "ann", .group = crew_, .administrator = true, .initials = "AN"});
     empty_ = data_.AddGroup("Empty");
     page_.request = &request_;
   }
@@ -87,7 +88,10 @@ TEST_F(OptionLists, ItemOwnersUnderAnAdministratorKeyAreEveryUserTheCurrentOnePr
 
 TEST_F(OptionLists, ItemOwnersEscapeNamesAndGroups) {
   long lab = data_.AddGroup("R&D <lab>");
-  data_.AddUser("eve \"x\"", lab, "EV", "0+8+0+0+0", false, "0e0e0e0e0e0e0e0e0e0e0e0e0e0e0e0e");
+  data_.AddUser({.key = "0e0e0e0e0e0e0e0e0e0e0e0e0e0e0e0e",
+                 .name = "eve \"x\"",
+                 .group = lab,
+                 .initials = "EV"});
   page_.UserKey = "0e0e0e0e0e0e0e0e0e0e0e0e0e0e0e0e";
   EXPECT_EQ(ItemOwnerList(page_),
             "<option selected class=text value=0e0e0e0e0e0e0e0e0e0e0e0e0e0e0e0e >R&amp;D "
@@ -112,7 +116,7 @@ TEST_F(OptionLists, RedundantGroupsListsTheGroupsNobodyBelongsTo) {
 }
 
 TEST_F(OptionLists, RedundantGroupsWhenEveryGroupHasMembersIsANonBreakingSpace) {
-  data_.AddUser("erin", empty_, "ER");
+  data_.AddUser({.name = "erin", .group = empty_, .initials = "ER"});
   EXPECT_EQ(UnassignedGroupList(page_), "&nbsp;");
 }
 

@@ -7,7 +7,7 @@
 #include "accounts/user_options.h"
 #include "runtime/conversions.h"
 #include "runtime/dates.h"
-#include "tests/views/calendar_data.h"
+#include "tests/support/seeder.h"
 
 namespace tidewell::testing {
 
@@ -84,8 +84,7 @@ inline std::string RandomTimeText(std::mt19937& random, long hour) {
 // Groups "G<seed>-<n>" and users "u<seed>-<n>", the first two in the same group so that some
 // calendar shows another user's items; one show-all flag in four of each kind the options know
 // ("0"/"1" as an administrator set it, "3"/"4" as the user did).
-inline std::vector<CalendarUser> AddRandomUsers(CalendarData& data, std::mt19937& random,
-                                                int seed) {
+inline std::vector<CalendarUser> AddRandomUsers(Seeder& data, std::mt19937& random, int seed) {
   std::vector<long> groups;
   const int group_count = Between(random, 2, 3);
   for (int g = 0; g < group_count; ++g) {
@@ -103,7 +102,10 @@ inline std::vector<CalendarUser> AddRandomUsers(CalendarData& data, std::mt19937
     user.options =
         PickFrom(random, flags) + "+" + std::to_string(Between(random, 0, 23)) + "+0+0+0";
     user.show_all = ReadUserOptions(user.options).show_all_group_users;
-    user.key = data.AddUser(user.name, user.group, user.initials, user.options);
+    user.key = data.AddUser({.name = user.name,
+                             .group = user.group,
+                             .options = user.options,
+                             .initials = user.initials});
     users.push_back(std::move(user));
   }
   return users;
@@ -144,7 +146,7 @@ inline void AddCrowdedHour(std::vector<Item>& items, std::mt19937& random,
 // it, on crowded days (more than a month cell shows) and in crowded hours (more than a day
 // view row shows), and late on the evenings and early in the mornings around it, where a day
 // view that starts late runs into the next day.
-inline RandomCalendar SeedRandomCalendar(CalendarData& data, int seed, Date focus) {
+inline RandomCalendar SeedRandomCalendar(Seeder& data, int seed, Date focus) {
   std::mt19937 random(static_cast<unsigned>(seed));
   RandomCalendar calendar;
   calendar.seed = seed;

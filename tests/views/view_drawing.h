@@ -11,7 +11,7 @@
 #include "page/page.h"
 #include "runtime/dates.h"
 #include "runtime/regional_settings.h"
-#include "tests/views/calendar_data.h"
+#include "tests/support/seeder.h"
 #include "tests/views/random_calendar.h"
 #include "views/day_view.h"
 #include "views/list_reading.h"
@@ -138,7 +138,7 @@ inline Drawing DrawView(const RandomCalendar& calendar, const ViewRequest& reque
   page.CurrentHour = request.hour;
   page.SortOrder = request.sort;
   page.UserKey = user.key;
-  page.Stamps.Set(user.key, CalendarData::HashOfPw());  // as the key check leaves it
+  page.Stamps.Set(user.key, Seeder::SharedHash("pw"));  // as the key check leaves it
   page.UserGroupId = user.group;
   page.User.Username = user.name;
   page.User.Initials = user.initials;

@@ -13,8 +13,9 @@
 #include "runtime/conversions.h"
 #include "runtime/dates.h"
 #include "tests/component/site_visit.h"
-#include "tests/data/golden.h"
-#include "tests/views/calendar_data.h"
+#include "tests/support/cast.h"
+#include "tests/support/golden.h"
+#include "tests/support/seeder.h"
 #include "views/item_list.h"
 
 namespace tidewell::testing {
@@ -26,16 +27,15 @@ namespace tidewell::testing {
 // the default start hour is 8 and the current hour 9.
 class ViewTest : public SiteTest {
  protected:
-  static constexpr const char* kBob = "0b0b0b0b0b0b0b0b0b0b0b0b0b0b0b0b";
-  static constexpr const char* kCarol = "0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c0c";
-  static constexpr const char* kDave = "0d0d0d0d0d0d0d0d0d0d0d0d0d0d0d0d";
+  static constexpr const char* kBob = cast::kBob;
+  static constexpr const char* kCarol = cast::kCarol;
+  static constexpr const char* kDave = cast::kDave;
 
   void SetUp() override {
     SiteTest::SetUp();
     deck_ = data_.AddGroup("Deck");
-    data_.AddUser("bob", crew_, "BB", "0+8+0+0+0", false, kBob);
-    data_.AddUser("carol", crew_, "CC", "0+8+0+0+0", false, kCarol);
-    data_.AddUser("dave", deck_, "DD", "0+8+0+0+0", false, kDave);
+    const cast::Accounts people = cast::AccountsIn(crew_, deck_);
+    for (const Account& account : {people.bob, people.carol, people.dave}) data_.AddUser(account);
 
     page_.props.ImagePath = "images/";
     page_.props.HexQueryString = false;
@@ -91,7 +91,7 @@ class ViewTest : public SiteTest {
     return {{"bob", Expected(kBob)}, {"carol", Expected(kCarol)}, {"dave", Expected(kDave)}};
   }
 
-  CalendarData data_{database_.connection_string()};
+  Seeder data_{database_.connection_string(), PasswordHashing::kOncePerProcess};
   long deck_ = 0;
   Page page_;
 };

@@ -18,7 +18,7 @@
 #include "runtime/clock.h"
 #include "runtime/dates.h"
 #include "tests/data/engines.h"
-#include "tests/views/calendar_data.h"
+#include "tests/support/seeder.h"
 #include "tests/views/random_calendar.h"
 #include "tests/views/view_drawing.h"
 #include "views/list_reading.h"
@@ -27,10 +27,11 @@ namespace tidewell {
 namespace {
 
 using testing::Between;
-using testing::CalendarData;
 using testing::Chance;
 using testing::Drawing;
+using testing::PasswordHashing;
 using testing::RandomCalendar;
+using testing::Seeder;
 using testing::ViewKind;
 using testing::ViewRequest;
 
@@ -106,7 +107,7 @@ class ViewListsEquivalence : public ::testing::Test {
   void SetUp() override {
     std::string skip = engine_.Start();
     if (!skip.empty()) GTEST_SKIP() << skip;
-    data_ = std::make_unique<CalendarData>(engine_.connection_string);
+    data_ = std::make_unique<Seeder>(engine_.connection_string, PasswordHashing::kOncePerProcess);
     connection_ = std::make_shared<ado::Connection>();
     connection_->Open(engine_.connection_string);
   }
@@ -249,7 +250,7 @@ class ViewListsEquivalence : public ::testing::Test {
   }
 
   Engine engine_;
-  std::unique_ptr<CalendarData> data_;
+  std::unique_ptr<Seeder> data_;
   std::shared_ptr<ado::Connection> connection_;
   std::shared_ptr<ado::Connection> never_opened_ = std::make_shared<ado::Connection>();
   LinkSigning signing_{"equivalence test secret", 3600};

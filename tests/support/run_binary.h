@@ -11,8 +11,8 @@
 
 namespace tidewell::testing {
 
-// What a run of the binary left: its exit code (-1 when it did not exit normally) and what it
-// wrote to each stream.
+// What a run of a program left: its exit code (-1 when it did not exit normally) and what it
+// wrote to each stream (both in `out` when they were joined).
 struct CommandResult {
   int status = -1;
   std::string out;
@@ -76,5 +76,15 @@ inline CommandResult RunBinary(const std::string& binary, const std::vector<std:
 inline CommandResult RunShell(const std::string& command) {
   return RunBinary("/bin/sh", {"-c", command + " 2>&1"});
 }
+
+#ifdef TIDEWELL_BINARY
+// Runs the tidewell binary the tests were built with and waits for it. `arguments` are words
+// for the shell; `environment` holds variables for the command, "NAME=value ..." as a shell
+// takes them. Standard error is joined to standard output in `out`.
+inline CommandResult RunTidewell(const std::string& arguments,
+                                 const std::string& environment = "") {
+  return RunShell(environment + " " + TIDEWELL_BINARY + " " + arguments);
+}
+#endif
 
 }  // namespace tidewell::testing
