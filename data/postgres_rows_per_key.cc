@@ -212,4 +212,23 @@ std::optional<std::string> KeepPerKeyForPostgres(std::string_view translated,
          ") AS tidewell_unkeyed ORDER BY " + key_order + place;
 }
 
+bool PerKeyReadings::Rewrite(const std::string& translated) {
+  const auto found = rewritten_runs_.find(translated);
+  if (found == rewritten_runs_.end()) return false;
+  if (++found->second < kProbeInterval) return true;
+  found->second = 0;
+  return false;
+}
+
+void PerKeyReadings::PassedOver(const std::string& translated, long long rows) {
+  if (rows < kCrowded) {
+    rewritten_runs_.erase(translated);
+    return;
+  }
+  if (rewritten_runs_.size() >= kStatements && !rewritten_runs_.contains(translated)) {
+    rewritten_runs_.clear();
+  }
+  rewritten_runs_[translated] = 0;
+}
+
 }  // namespace tidewell::ado

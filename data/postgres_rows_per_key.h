@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 
 #include "data/rows_per_key.h"
 
@@ -31,5 +32,28 @@ inline constexpr const char* kPlaceInKeyColumn = "tidewell_row";
 // the extra rows itself, as it does after the rewrite too.
 std::optional<std::string> KeepPerKeyForPostgres(std::string_view translated,
                                                  const RowsPerKey& per_key);
+
+// When a session rewrites a statement with KeepPerKeyForPostgres. The rewritten statement
+// reads each key on its own, which costs more than one sort of the whole statement while the
+// keys hold few rows (a month of a few items a day: twice the time) and far less once one key
+// holds hundreds (a day with thousands of items: a fifth). So a statement's text runs as
+// written until a run passed over many rows, then rewritten; one run in kProbeInterval runs
+// as written again, to see whether its keys are still crowded.
+class PerKeyReadings {
+ public:
+  // Rows passed over in one run from which on the statement is rewritten.
+  static constexpr long long kCrowded = 256;
+  static constexpr int kProbeInterval = 64;
+
+  // Whether to rewrite this run of the statement.
+  bool Rewrite(const std::string& translated);
+  // After a run as written: how many rows the session passed over.
+  void PassedOver(const std::string& translated, long long rows);
+
+ private:
+  // Statements remembered at most; past it they are all forgotten, to run as written again.
+  static constexpr size_t kStatements = 256;
+  std::unordered_map<std::string, int> rewritten_runs_;  // of the crowded statements
+};
 
 }  // namespace tidewell::ado

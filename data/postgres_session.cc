@@ -153,6 +153,7 @@ std::string ConnectionFailureText(PGconn* conn) {
 struct RowsWanted {
   const RowsPerKey* per_key = nullptr;  // only the first rows of each key when given
   bool place_in_key_last = false;        // the statement was rewritten by KeepPerKeyForPostgres
+  long long* passed_over = nullptr;      // counts the rows per_key passed over, when given
 };
 
 struct ResultDeleter {
@@ -216,17 +217,24 @@ class PostgresSession : public Session {
   // Statements that differ only in their values (a day of a month view, a user) share one
   // statement the engine parsed and planned once for this session: the values are taken out
   // of the text (ShapePostgresStatement) and sent as parameters.
-  // A statement that keeps the first rows of each key has the engine keep them: sorting and
-  // sending every row of a crowded day for the session to pass over cost more than the page.
+  // A statement that keeps the first rows of each key has the engine keep them once its keys
+  // are crowded: sorting and sending every row of a crowded day for the session to pass over
+  // cost more than the rest of the page (see PerKeyReadings).
   Rows RunShaped(std::string_view statement, const RowsPerKey* per_key) {
-    std::string translated = TranslateSqlServerForPostgres(statement);
-    RowsWanted wanted{per_key};
-    if (per_key) {
+    const std::string translated = TranslateSqlServerForPostgres(statement);
+    if (!per_key) return RunTranslated(translated, {});
+    if (per_key_readings_.Rewrite(translated)) {
       if (std::optional<std::string> kept = KeepPerKeyForPostgres(translated, *per_key)) {
-        translated = std::move(*kept);
-        wanted.place_in_key_last = true;
+        return RunTranslated(*kept, {.per_key = per_key, .place_in_key_last = true});
       }
     }
+    long long passed_over = 0;
+    Rows rows = RunTranslated(translated, {.per_key = per_key, .passed_over = &passed_over});
+    per_key_readings_.PassedOver(translated, passed_over);
+    return rows;
+  }
+
+  Rows RunTranslated(const std::string& translated, const RowsWanted& wanted) {
     PostgresStatement shaped = ShapePostgresStatement(translated);
     if (!shaped.preparable) return Execute(shaped.shape, {}, wanted);
     std::vector<std::optional<std::string>> values;
@@ -360,7 +368,10 @@ class PostgresSession : public Session {
           KeyRuns::NextKeyPart(key, PQgetisnull(result, r, c) ? nullptr : PQgetvalue(result, r, c),
                                static_cast<size_t>(PQgetlength(result, r, c)));
         }
-        if (!runs->Keep(key)) continue;
+        if (!runs->Keep(key)) {
+          if (wanted.passed_over) ++*wanted.passed_over;
+          continue;
+        }
       }
       std::vector<Variant>& row = rows.values.emplace_back();
       for (int c = 0; c < columns; ++c) {
@@ -381,6 +392,7 @@ class PostgresSession : public Session {
   std::unordered_map<std::string, PreparedStatement> prepared_;  // by shape and types
   std::list<std::string> recent_;  // keys, most recently used first
   long long last_name_ = 0;
+  PerKeyReadings per_key_readings_;
   StatementCounts counts_;
 };
 

@@ -271,11 +271,13 @@ std::vector<std::string> Texts(std::initializer_list<long> ids) {
 }
 
 // A day with many more items than are kept: the engine keeps its first items in the
-// statement's order, items alike in every sorted column in ItemID order.
+// statement's order, items alike in every sorted column in ItemID order. The day is crowded
+// enough that PostgreSQL's session rewrites the statement from its second run on
+// (PerKeyReadings); both runs read the same rows.
 TYPED_TEST(Reads, KeepPerKeyKeepsTheFirstRowsOfACrowdedKeyInTheStatementsOrder) {
   const long early = this->AddItem("k2", kNov3, 8, "Early");
   std::vector<long> alice;  // AC: before BO at the same hour
-  for (int i = 0; i < 40; ++i) {
+  for (long long i = 0; i < ado::PerKeyReadings::kCrowded / 2 + 8; ++i) {
     this->AddItem("k2", kNov3, 9, "Same");
     alice.push_back(this->AddItem("k1", kNov3, 9, "Same"));
   }
@@ -284,12 +286,19 @@ TYPED_TEST(Reads, KeepPerKeyKeepsTheFirstRowsOfACrowdedKeyInTheStatementsOrder) 
   const long next_day = this->AddItem("k1", kNov4, 8, "Next");
   this->AddItem("k1", DateSerial(2026, 11, 2), 9, "Before the range");
 
-  EXPECT_EQ(this->Column(TwoDaysOfTheGroup(TypeParam::kDialect, this->group_).KeepPerKey({{"DateStamp"}, 6}), "ItemID"),
-            Texts({early, alice[0], alice[1], alice[2], alice[3], alice[4], next_day,
-                   next_day_later}));
-  EXPECT_EQ(this->Column(TwoDaysOfTheGroup(TypeParam::kDialect, this->group_).KeepPerKey({{"DateStamp", "TimeStamp"}, 3}),
-                         "ItemID"),
-            Texts({early, alice[0], alice[1], alice[2], late, next_day, next_day_later}));
+  for (int run = 0; run < 2; ++run) {
+    EXPECT_EQ(this->Column(TwoDaysOfTheGroup(TypeParam::kDialect, this->group_)
+                               .KeepPerKey({{"DateStamp"}, 6}),
+                           "ItemID"),
+              Texts({early, alice[0], alice[1], alice[2], alice[3], alice[4], next_day,
+                     next_day_later}))
+        << run;
+    EXPECT_EQ(this->Column(TwoDaysOfTheGroup(TypeParam::kDialect, this->group_)
+                               .KeepPerKey({{"DateStamp", "TimeStamp"}, 3}),
+                           "ItemID"),
+              Texts({early, alice[0], alice[1], alice[2], late, next_day, next_day_later}))
+        << run;
+  }
 
   // PostgreSQL keeps them itself: its rows before the session counts any.
   if constexpr (TypeParam::kDialect == ASPDataServer::SQLServer) {

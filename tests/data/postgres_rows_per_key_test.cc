@@ -89,5 +89,32 @@ TEST(KeepPerKeyForPostgres, LooksOnlyAtTheStatementsOwnClauses) {
             std::string::npos);
 }
 
+// A statement runs as written until one run passes over many rows, then rewritten, with one run
+// in kProbeInterval as written again to see whether it still does.
+TEST(PerKeyReadings, RewritesAStatementAfterARunThatPassedOverManyRows) {
+  PerKeyReadings readings;
+  const std::string month = "SELECT ... November", other = "SELECT ... December";
+  EXPECT_FALSE(readings.Rewrite(month));
+  readings.PassedOver(month, PerKeyReadings::kCrowded - 1);
+  EXPECT_FALSE(readings.Rewrite(month));
+  readings.PassedOver(month, PerKeyReadings::kCrowded);
+  for (int run = 1; run < PerKeyReadings::kProbeInterval; ++run) {
+    EXPECT_TRUE(readings.Rewrite(month)) << run;
+  }
+  EXPECT_FALSE(readings.Rewrite(month));  // the probe, as written
+  EXPECT_FALSE(readings.Rewrite(other));
+  readings.PassedOver(month, 0);  // no longer crowded
+  EXPECT_FALSE(readings.Rewrite(month));
+}
+
+TEST(PerKeyReadings, AProbeThatIsStillCrowdedKeepsTheRewrite) {
+  PerKeyReadings readings;
+  readings.PassedOver("s", 5000);
+  for (int run = 1; run < PerKeyReadings::kProbeInterval; ++run) readings.Rewrite("s");
+  EXPECT_FALSE(readings.Rewrite("s"));
+  readings.PassedOver("s", 5000);
+  EXPECT_TRUE(readings.Rewrite("s"));
+}
+
 }  // namespace
 }  // namespace tidewell::ado
