@@ -213,10 +213,6 @@ class PostgresSession : public Session {
   }
 
  private:
-  // A statement sent with its text, parsed and planned for this one run.
-  // Statements that differ only in their values (a day of a month view, a user) share one
-  // statement the engine parsed and planned once for this session: the values are taken out
-  // of the text (ShapePostgresStatement) and sent as parameters.
   // A statement that keeps the first rows of each key has the engine keep them once its keys
   // are crowded: sorting and sending every row of a crowded day for the session to pass over
   // cost more than the rest of the page (see PerKeyReadings).
@@ -234,6 +230,10 @@ class PostgresSession : public Session {
     return rows;
   }
 
+  // A statement sent with its text, parsed and planned for this one run.
+  // Statements that differ only in their values (a day of a month view, a user) share one
+  // statement the engine parsed and planned once for this session: the values are taken out
+  // of the text (ShapePostgresStatement) and sent as parameters.
   Rows RunTranslated(const std::string& translated, const RowsWanted& wanted) {
     PostgresStatement shaped = ShapePostgresStatement(translated);
     if (!shaped.preparable) return Execute(shaped.shape, {}, wanted);
