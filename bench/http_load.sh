@@ -15,6 +15,12 @@
 # else is contacted. Prints one table row per measurement: req/s, p50, p99, req/s as a share
 # of nginx's, and the statements each request ran on the database (the mean of the server's
 # access lines for the measured requests).
+#
+# Two switches narrow a run, e.g. to look at one request while changing the code:
+#   TIDEWELL_HTTP_LOAD_ENGINES  the engines to measure, of "SQLite PostgreSQL" (both unless set)
+#   TIDEWELL_HTTP_LOAD_ONLY     the measurements to make, of "nginx month week day time item-add
+#                               padded" (all unless set); without nginx the share reads "-"
+#   TIDEWELL_HTTP_LOAD_ENGINES=PostgreSQL TIDEWELL_HTTP_LOAD_ONLY=item-add bench/http_load.sh
 set -euo pipefail
 cd "$(dirname "$0")/.."
 build=${1:-build}
@@ -38,12 +44,19 @@ if [[ -z ${TIDEWELL_HTTP_LOAD_ENGINE:-} ]]; then
   ninja -C "$build" tidewell seed_busy_site >/dev/null
   printf '| engine | request | req/s | p50 | p99 | share of nginx | statements/request |\n'
   printf '|---|---|---|---|---|---|---|\n'
-  TIDEWELL_HTTP_LOAD_ENGINE=SQLite "$0" "$build" "$seconds" "${paddings[@]}"
-  TIDEWELL_HTTP_LOAD_ENGINE=PostgreSQL scripts/with_postgres.sh "$0" "$build" "$seconds" \
-    "${paddings[@]}"
+  engines=${TIDEWELL_HTTP_LOAD_ENGINES:-SQLite PostgreSQL}
+  if [[ " $engines " == *" SQLite "* ]]; then
+    TIDEWELL_HTTP_LOAD_ENGINE=SQLite "$0" "$build" "$seconds" "${paddings[@]}"
+  fi
+  if [[ " $engines " == *" PostgreSQL "* ]]; then
+    TIDEWELL_HTTP_LOAD_ENGINE=PostgreSQL scripts/with_postgres.sh "$0" "$build" "$seconds" \
+      "${paddings[@]}"
+  fi
   exit 0
 fi
 engine=$TIDEWELL_HTTP_LOAD_ENGINE
+only=" ${TIDEWELL_HTTP_LOAD_ONLY:-nginx month week day time item-add padded} "
+wanted() { [[ $only == *" $1 "* ]]; }
 
 work=$(mktemp -d)
 pids=()
@@ -137,7 +150,8 @@ measure() {
 nginx_rate=
 row() {  # request, "req/s p50 p99 statements"
   read -r rate p50 p99 statements <<<"$2"
-  local share="1"
+  local share="-"
+  [[ $1 == nginx* ]] && share="1"
   [[ -n $nginx_rate ]] && share=$(python3 -c "print(f'{$rate / $nginx_rate:.3f}')")
   printf '| %s | %s | %s | %s ms | %s ms | %s | %s |\n' "$engine" "$1" "$rate" "$p50" "$p99" \
     "$share" "$statements"
@@ -156,6 +170,7 @@ month=$(link_titled "$work/month.html" "Display MonthView")
 curl -s -o "$work/month.html" "http://127.0.0.1:$port/$month"
 
 # nginx serves the very same bytes.
+if wanted nginx; then
 mkdir -p "$work/www" "$work/nginx"
 cp "$work/month.html" "$work/www/month.html"
 nginx_port=$((20000 + RANDOM % 20000))
@@ -180,15 +195,19 @@ sleep 0.5
 nginx_figures=$(measure "$nginx_port" month.html)
 row "nginx, the month page as a file" "$nginx_figures"
 nginx_rate=${nginx_figures%% *}
+fi
 
 log=$work/busy.log
-row "month view" "$(measure "$port" "$month" "" "$log")"
+wanted month && row "month view" "$(measure "$port" "$month" "" "$log")"
 for view in WeekView DayView TimeView; do
+  view_name=${view%View}
+  wanted "${view_name,,}" || continue
   row "${view/View/ view}" \
     "$(measure "$port" "$(link_titled "$work/month.html" "Display $view")" "" "$log")"
 done
 
 # An item added through the item form, as its post sends it.
+if wanted item-add; then
 add=$(link_titled "$work/month.html" "Add New Item")
 curl -s -o "$work/form.html" "http://127.0.0.1:$port/$add"
 action=$(python3 -c "import re,sys; print(re.search(r'<form action=([^ >]+)', open(sys.argv[1]).read()).group(1))" "$work/form.html")
@@ -198,8 +217,10 @@ wrk.headers["Content-Type"] = "application/x-www-form-urlencoded"
 wrk.body = "datestamp=11%2F25%2F2026&timestamp=10&timetext=30&heading=Load&description=&submit=Add&action=a"
 EOF
 row "item-add post" "$(measure "$port" "$action" "$work/post.lua" "$log")"
+fi
 
 # The month view over larger tables: the same month, more rows in other years.
+wanted padded || paddings=()
 for padding in "${paddings[@]}"; do
   database=$(new_database "padded_$padding")
   seed "$database" "$padding"

@@ -14,6 +14,7 @@
 #include "data/database_error.h"
 #include "data/dialect_translation.h"
 #include "data/iso_dates.h"
+#include "data/postgres_rows_per_key.h"
 #include "data/postgres_statement.h"
 #include "data/rows_per_key.h"
 
@@ -148,6 +149,13 @@ std::string ConnectionFailureText(PGconn* conn) {
   return line;
 }
 
+// Which of a result's rows and columns the session reads.
+struct RowsWanted {
+  const RowsPerKey* per_key = nullptr;  // only the first rows of each key when given
+  bool place_in_key_last = false;        // the statement was rewritten by KeepPerKeyForPostgres
+  long long* passed_over = nullptr;      // counts the rows per_key passed over, when given
+};
+
 struct ResultDeleter {
   void operator()(PGresult* result) const { PQclear(result); }
 };
@@ -205,13 +213,30 @@ class PostgresSession : public Session {
   }
 
  private:
+  // A statement that keeps the first rows of each key has the engine keep them once its keys
+  // are crowded: sorting and sending every row of a crowded day for the session to pass over
+  // cost more than the rest of the page (see PerKeyReadings).
+  Rows RunShaped(std::string_view statement, const RowsPerKey* per_key) {
+    const std::string translated = TranslateSqlServerForPostgres(statement);
+    if (!per_key) return RunTranslated(translated, {});
+    if (per_key_readings_.Rewrite(translated)) {
+      if (std::optional<std::string> kept = KeepPerKeyForPostgres(translated, *per_key)) {
+        return RunTranslated(*kept, {.per_key = per_key, .place_in_key_last = true});
+      }
+    }
+    long long passed_over = 0;
+    Rows rows = RunTranslated(translated, {.per_key = per_key, .passed_over = &passed_over});
+    per_key_readings_.PassedOver(translated, passed_over);
+    return rows;
+  }
+
   // A statement sent with its text, parsed and planned for this one run.
   // Statements that differ only in their values (a day of a month view, a user) share one
   // statement the engine parsed and planned once for this session: the values are taken out
   // of the text (ShapePostgresStatement) and sent as parameters.
-  Rows RunShaped(std::string_view statement, const RowsPerKey* per_key) {
-    PostgresStatement shaped = ShapePostgresStatement(TranslateSqlServerForPostgres(statement));
-    if (!shaped.preparable) return Execute(shaped.shape, {}, per_key);
+  Rows RunTranslated(const std::string& translated, const RowsWanted& wanted) {
+    PostgresStatement shaped = ShapePostgresStatement(translated);
+    if (!shaped.preparable) return Execute(shaped.shape, {}, wanted);
     std::vector<std::optional<std::string>> values;
     std::vector<Oid> types;
     values.reserve(shaped.parameters.size());
@@ -220,23 +245,23 @@ class PostgresSession : public Session {
       values.emplace_back(std::move(parameter.value));
       types.push_back(OidOf(parameter.type));
     }
-    return ExecutePrepared(shaped.shape, values, types, per_key);
+    return ExecutePrepared(shaped.shape, values, types, wanted);
   }
 
   Rows Execute(const std::string& text, const std::vector<std::optional<std::string>>& values,
-               const RowsPerKey* per_key = nullptr) {
+               const RowsWanted& wanted = {}) {
     std::vector<const char*> pointers = PointersTo(values);
     ++counts_.run;
     Result result(PQexecParams(conn_, text.c_str(), static_cast<int>(pointers.size()), nullptr,
                                pointers.data(), nullptr, nullptr, 0));
     if (!Succeeded(result.get())) RaiseError(result.get());
-    return ReadRows(result.get(), per_key);
+    return ReadRows(result.get(), wanted);
   }
 
   // A statement run as the session's prepared statement for its text and parameter types,
   // prepared first when the session has none.
   Rows ExecutePrepared(const std::string& shape, const std::vector<std::optional<std::string>>& values,
-                       const std::vector<Oid>& types, const RowsPerKey* per_key = nullptr) {
+                       const std::vector<Oid>& types, const RowsWanted& wanted = {}) {
     std::string key = shape;
     key += '\0';
     for (Oid type : types) key += std::to_string(type) + ",";
@@ -245,7 +270,7 @@ class PostgresSession : public Session {
     ++counts_.run;
     Result result(PQexecPrepared(conn_, name.c_str(), static_cast<int>(pointers.size()),
                                  pointers.data(), nullptr, nullptr, 0));
-    if (Succeeded(result.get())) return ReadRows(result.get(), per_key);
+    if (Succeeded(result.get())) return ReadRows(result.get(), wanted);
     // The engine may have let the statement go (DISCARD ALL), or a table it reads changed its
     // columns. Outside a transaction the statement is prepared anew and run once more; inside
     // one the transaction is already failed, so the error stands.
@@ -262,7 +287,7 @@ class PostgresSession : public Session {
         ++counts_.run;
         result.reset(PQexecPrepared(conn_, again.c_str(), static_cast<int>(pointers.size()),
                                     pointers.data(), nullptr, nullptr, 0));
-        if (Succeeded(result.get())) return ReadRows(result.get(), per_key);
+        if (Succeeded(result.get())) return ReadRows(result.get(), wanted);
       }
     }
     RaiseError(result.get());
@@ -323,16 +348,18 @@ class PostgresSession : public Session {
     throw DatabaseError(ErrorNumberOf(sqlstate ? sqlstate : ""), message);
   }
 
-  // The rows of the result, only those `per_key` keeps when it is given.
-  static Rows ReadRows(const PGresult* result, const RowsPerKey* per_key) {
+  // The rows of the result, only those `per_key` keeps when it is given (after the engine kept
+  // them too, when the statement was rewritten: the session's count is the guarantee), and
+  // without the place column the rewrite added.
+  static Rows ReadRows(const PGresult* result, const RowsWanted& wanted) {
     Rows rows;
-    int columns = PQnfields(result);
+    const int columns = PQnfields(result) - (wanted.place_in_key_last ? 1 : 0);
     for (int c = 0; c < columns; ++c) {
       rows.names.emplace_back(PQfname(result, c));
       rows.kinds.push_back(KindOfType(PQftype(result, c)));
     }
     std::optional<KeyRuns> runs;
-    if (per_key) runs.emplace(*per_key, rows.names);
+    if (wanted.per_key) runs.emplace(*wanted.per_key, rows.names);
     std::string key;
     for (int r = 0; r < PQntuples(result); ++r) {
       if (runs) {
@@ -341,7 +368,10 @@ class PostgresSession : public Session {
           KeyRuns::NextKeyPart(key, PQgetisnull(result, r, c) ? nullptr : PQgetvalue(result, r, c),
                                static_cast<size_t>(PQgetlength(result, r, c)));
         }
-        if (!runs->Keep(key)) continue;
+        if (!runs->Keep(key)) {
+          if (wanted.passed_over) ++*wanted.passed_over;
+          continue;
+        }
       }
       std::vector<Variant>& row = rows.values.emplace_back();
       for (int c = 0; c < columns; ++c) {
@@ -362,6 +392,7 @@ class PostgresSession : public Session {
   std::unordered_map<std::string, PreparedStatement> prepared_;  // by shape and types
   std::list<std::string> recent_;  // keys, most recently used first
   long long last_name_ = 0;
+  PerKeyReadings per_key_readings_;
   StatementCounts counts_;
 };
 

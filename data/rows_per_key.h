@@ -7,9 +7,10 @@
 namespace tidewell::ado {
 
 // A TOP n for each group of a statement's rows: at most `rows` rows of each run of rows alike
-// in `columns`, which the statement sorts by first. The providers pass over the rest without
-// reading them, so that a statement that reads many lists at once (a month of day lists)
-// costs no more for a crowded day than each list's own TOP n did.
+// in `columns`, which the statement sorts by first (ascending). The providers pass over the
+// rest without reading them, and PostgreSQL's has the engine keep only those rows itself
+// (postgres_rows_per_key.h), so that a statement that reads many lists at once (a month of
+// day lists) costs no more for a crowded day than each list's own TOP n did.
 struct RowsPerKey {
   std::vector<std::string> columns;
   long rows = 0;

@@ -5,11 +5,11 @@
 #include <string>
 #include <vector>
 
+#include "data/connection.h"
 #include "page/asp_objects.h"
 #include "page/link_keys.h"
 #include "page/pending_error.h"
 #include "page/properties.h"
-#include "data/connection.h"
 #include "runtime/variant.h"
 
 namespace tidewell {

@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
+
+#include "data/dialect_translation.h"
+#include "data/postgres_rows_per_key.h"
 #include "tests/data/conformance_fixture.h"
 
 namespace tidewell::testing {
@@ -244,6 +248,101 @@ TYPED_TEST(Reads, KeepPerKeyKeepsTheFirstRowsOfEachGroup) {
             (std::vector<std::string>{"a", "b", "e", "f", "g"}));
   EXPECT_EQ(this->Column(by({"DateStamp"}, 0), "Heading"), std::vector<std::string>{});
   EXPECT_THROW(this->Column(by({"Initials"}, 2), "Heading"), DatabaseError);
+}
+
+// The items of two days for the group, as a view reads its cells: by day, hour, initials,
+// urgency and heading, and by ItemID among items alike in all of those.
+Statement TwoDaysOfTheGroup(ASPDataServer dialect, long group) {
+  return Statement(
+             "SELECT ItemID, Heading, TimeStamp, Initials, DateStamp FROM Items INNER JOIN Users "
+             "ON Items.OwnerKey = Users.OwnerKey WHERE DateStamp >= ")
+      .DateValue(kNov3, dialect)
+      .Add(" AND DateStamp <= ")
+      .DateValue(kNov4, dialect)
+      .Add(" AND GroupID = ")
+      .Number(group)
+      .Add(" ORDER BY DateStamp, TimeStamp, Initials, Urgent, Heading ASC, ItemID");
+}
+
+std::vector<std::string> Texts(std::initializer_list<long> ids) {
+  std::vector<std::string> texts;
+  for (long id : ids) texts.push_back(std::to_string(id));
+  return texts;
+}
+
+// A day with many more items than are kept: the engine keeps its first items in the
+// statement's order, items alike in every sorted column in ItemID order. The day is crowded
+// enough that PostgreSQL's session rewrites the statement from its second run on
+// (PerKeyReadings); both runs read the same rows.
+TYPED_TEST(Reads, KeepPerKeyKeepsTheFirstRowsOfACrowdedKeyInTheStatementsOrder) {
+  const long early = this->AddItem("k2", kNov3, 8, "Early");
+  std::vector<long> alice;  // AC: before BO at the same hour
+  for (long long i = 0; i < ado::PerKeyReadings::kCrowded / 2 + 8; ++i) {
+    this->AddItem("k2", kNov3, 9, "Same");
+    alice.push_back(this->AddItem("k1", kNov3, 9, "Same"));
+  }
+  const long late = this->AddItem("k1", kNov3, 10, "Late");
+  const long next_day_later = this->AddItem("k2", kNov4, 9, "Next");
+  const long next_day = this->AddItem("k1", kNov4, 8, "Next");
+  this->AddItem("k1", DateSerial(2026, 11, 2), 9, "Before the range");
+
+  for (int run = 0; run < 2; ++run) {
+    EXPECT_EQ(this->Column(TwoDaysOfTheGroup(TypeParam::kDialect, this->group_)
+                               .KeepPerKey({{"DateStamp"}, 6}),
+                           "ItemID"),
+              Texts({early, alice[0], alice[1], alice[2], alice[3], alice[4], next_day,
+                     next_day_later}))
+        << run;
+    EXPECT_EQ(this->Column(TwoDaysOfTheGroup(TypeParam::kDialect, this->group_)
+                               .KeepPerKey({{"DateStamp", "TimeStamp"}, 3}),
+                           "ItemID"),
+              Texts({early, alice[0], alice[1], alice[2], late, next_day, next_day_later}))
+        << run;
+  }
+
+  // PostgreSQL keeps them itself: its rows before the session counts any.
+  if constexpr (TypeParam::kDialect == ASPDataServer::SQLServer) {
+    const std::optional<std::string> kept = ado::KeepPerKeyForPostgres(
+        ado::TranslateSqlServerForPostgres(
+            TwoDaysOfTheGroup(TypeParam::kDialect, this->group_).text()),
+        {{"DateStamp"}, 6});
+    ASSERT_TRUE(kept);
+    EXPECT_EQ(this->Column(Statement(kept->c_str()), "ItemID"),
+              Texts({early, alice[0], alice[1], alice[2], alice[3], alice[4], next_day,
+                     next_day_later}));
+  }
+}
+
+// Rows whose key holds a null are one run of their own wherever the engine sorts nulls, and
+// are kept as reading every row and counting keeps them.
+TYPED_TEST(Reads, KeepPerKeyCountsRowsWithANullInTheKeyAsOneRun) {
+  for (int i = 0; i < 5; ++i) {
+    const long untimed = this->AddItem(i % 2 ? "k1" : "k2", kNov3, 9, "Untimed");
+    this->connection_.Execute(
+        Statement("UPDATE Items SET TimeStamp = NULL WHERE ItemID = ").Number(untimed));
+    this->AddItem("k1", kNov3, 9, "Timed");
+    this->AddItem("k2", kNov4, 9 + i, "Next");
+  }
+  // Every row read, then the first two of each run of equal days and hours.
+  std::vector<std::string> ids, keys;
+  Recordset rs;
+  rs.Open(TwoDaysOfTheGroup(TypeParam::kDialect, this->group_), this->connection_);
+  for (; !rs.Eof(); rs.MoveNext()) {
+    const Variant& hour = rs.Fields("TimeStamp").Value();
+    ids.push_back(CStr(rs.Fields("ItemID").Value()));
+    keys.push_back(CStr(rs.Fields("DateStamp").Value()) + " " + (hour.IsNull() ? "-" : CStr(hour)));
+  }
+  rs.Close();
+  ASSERT_EQ(ids.size(), 15u);
+  std::vector<std::string> expected;
+  for (size_t i = 0, run = 0; i < ids.size(); ++i) {
+    run = i > 0 && keys[i] == keys[i - 1] ? run + 1 : 1;
+    if (run <= 2) expected.push_back(ids[i]);
+  }
+  ASSERT_EQ(expected.size(), 9u);  // two untimed, two at nine, five hours of the next day
+  EXPECT_EQ(this->Column(TwoDaysOfTheGroup(TypeParam::kDialect, this->group_).KeepPerKey({{"DateStamp", "TimeStamp"}, 2}),
+                         "ItemID"),
+            expected);
 }
 
 }  // namespace

@@ -1,0 +1,234 @@
+#include "data/postgres_rows_per_key.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "data/dialect_translation.h"
+#include "runtime/strings.h"
+
+namespace tidewell::ado {
+namespace {
+
+using Tokens = std::vector<Token>;
+
+// A run of tokens, from `begin` up to but not including `end`.
+struct Span {
+  size_t begin = 0;
+  size_t end = 0;
+};
+
+// The clauses of a SELECT the rewrite takes apart: what stands between SELECT and FROM,
+// FROM and WHERE (or ORDER BY), WHERE and ORDER BY, and after ORDER BY.
+struct SelectParts {
+  Span list;
+  Span tables;
+  std::optional<Span> condition;
+  Span order;
+};
+
+bool IsWord(const Token& token, std::string_view word) {
+  return token.kind == TokenKind::kWord && EqualsIgnoringCase(token.text, word);
+}
+
+bool IsWordIn(const Token& token, std::initializer_list<std::string_view> words) {
+  return std::any_of(words.begin(), words.end(),
+                     [&](std::string_view word) { return IsWord(token, word); });
+}
+
+size_t NextSignificant(const Tokens& tokens, size_t i) {
+  while (i < tokens.size() && tokens[i].kind == TokenKind::kSpace) ++i;
+  return i;
+}
+
+// The tokens of a span that are not blanks.
+std::vector<Token> Significant(const Tokens& tokens, Span span) {
+  std::vector<Token> kept;
+  for (size_t i = span.begin; i < span.end; ++i) {
+    if (tokens[i].kind != TokenKind::kSpace) kept.push_back(tokens[i]);
+  }
+  return kept;
+}
+
+// The span's text as written, without the blanks at its ends.
+std::string TextOf(const Tokens& tokens, Span span) {
+  while (span.begin < span.end && tokens[span.begin].kind == TokenKind::kSpace) ++span.begin;
+  while (span.end > span.begin && tokens[span.end - 1].kind == TokenKind::kSpace) --span.end;
+  std::string text;
+  for (size_t i = span.begin; i < span.end; ++i) text += tokens[i].text;
+  return text;
+}
+
+// The span cut at its commas outside parentheses: the items of a list or an ORDER BY.
+std::vector<Span> Items(const Tokens& tokens, Span span) {
+  std::vector<Span> items;
+  size_t depth = 0, start = span.begin;
+  for (size_t i = span.begin; i < span.end; ++i) {
+    if (tokens[i].text == "(") ++depth;
+    if (tokens[i].text == ")" && depth > 0) --depth;
+    if (depth == 0 && tokens[i].text == ",") {
+      items.push_back({start, i});
+      start = i + 1;
+    }
+  }
+  items.push_back({start, span.end});
+  return items;
+}
+
+// The clauses of a plain "SELECT list FROM tables [WHERE condition] ORDER BY order", or
+// nullopt for any statement of another shape, whose rows a wrapper might change.
+std::optional<SelectParts> SplitSelect(const Tokens& tokens) {
+  const size_t select = NextSignificant(tokens, 0);
+  if (select == tokens.size() || !IsWord(tokens[select], "SELECT")) return std::nullopt;
+  std::optional<size_t> from, where, order;
+  size_t depth = 0;
+  for (size_t i = select + 1; i < tokens.size(); ++i) {
+    const Token& token = tokens[i];
+    if (token.text == "(") ++depth;
+    if (token.text == ")") {
+      if (depth == 0) return std::nullopt;
+      --depth;
+    }
+    if (depth > 0) continue;
+    if (token.text == ";") return std::nullopt;
+    if (IsWordIn(token, {"DISTINCT", "ALL", "TOP", "INTO", "GROUP", "HAVING", "WINDOW", "LIMIT",
+                         "OFFSET", "FETCH", "FOR", "UNION", "INTERSECT", "EXCEPT"})) {
+      return std::nullopt;
+    }
+    if (IsWord(token, "FROM") && !from) {
+      from = i;
+    } else if (IsWord(token, "WHERE")) {
+      if (!from || where || order) return std::nullopt;
+      where = i;
+    } else if (IsWord(token, "ORDER")) {
+      const size_t by = NextSignificant(tokens, i + 1);
+      if (!from || order || by == tokens.size() || !IsWord(tokens[by], "BY")) return std::nullopt;
+      order = i;
+      i = by;
+    }
+  }
+  if (!from || !order || depth != 0) return std::nullopt;
+  SelectParts parts;
+  parts.list = {select + 1, *from};
+  parts.tables = {*from + 1, where ? *where : *order};
+  if (where) parts.condition = Span{*where + 1, *order};
+  parts.order = {NextSignificant(tokens, *order + 1) + 1, tokens.size()};
+  return parts;
+}
+
+bool SameTokens(const std::vector<Token>& a, const std::vector<Token>& b) {
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](const Token& x, const Token& y) {
+    return x.kind == y.kind && (x.kind == TokenKind::kWord ? EqualsIgnoringCase(x.text, y.text)
+                                                           : x.text == y.text);
+  });
+}
+
+bool IsPlainName(std::string_view name) {
+  if (name.empty() || !(std::isalpha(static_cast<unsigned char>(name[0])) || name[0] == '_')) {
+    return false;
+  }
+  return std::all_of(name.begin(), name.end(), [](char c) {
+    return std::isalnum(static_cast<unsigned char>(c)) || c == '_';
+  });
+}
+
+// A key column as the statement names it: the list's item ("Items.DateStamp") and the name
+// the rows carry it under ("DateStamp").
+struct KeyColumn {
+  std::string expression;
+  std::string name;
+};
+
+// The key columns as the list names them, when each is an item of its own that no other item
+// shares a name with and the ORDER BY begins with them, ascending, in the keys' order.
+std::optional<std::vector<KeyColumn>> KeyColumnsOf(const Tokens& tokens, const SelectParts& parts,
+                                                   const std::vector<std::string>& keys) {
+  std::vector<std::vector<Token>> items;
+  for (Span item : Items(tokens, parts.list)) {
+    items.push_back(Significant(tokens, item));
+    if (items.back().empty() || items.back().back().text == "*") return std::nullopt;
+  }
+  const std::vector<Span> order = Items(tokens, parts.order);
+  if (order.size() < keys.size()) return std::nullopt;
+  std::vector<KeyColumn> columns;
+  for (size_t k = 0; k < keys.size(); ++k) {
+    const std::string& key = keys[k];
+    if (!IsPlainName(key)) return std::nullopt;
+    std::optional<std::vector<Token>> named;
+    for (const std::vector<Token>& item : items) {
+      if (!IsWord(item.back(), key)) continue;
+      const bool plain = item.size() == 1 ||
+                         (item.size() == 3 && item[0].kind == TokenKind::kWord && item[1].text == ".");
+      if (named || !plain) return std::nullopt;  // two columns of that name, or an alias
+      named = item;
+    }
+    if (!named) return std::nullopt;
+    std::vector<Token> term = Significant(tokens, order[k]);
+    if (!term.empty() && IsWord(term.back(), "ASC")) term.pop_back();
+    const bool sorted = SameTokens(term, *named) || (term.size() == 1 && IsWord(term[0], key));
+    if (!sorted) return std::nullopt;
+    std::string expression;
+    for (const Token& token : *named) expression += token.text;
+    columns.push_back({std::move(expression), key});
+  }
+  return columns;
+}
+
+}  // namespace
+
+std::optional<std::string> KeepPerKeyForPostgres(std::string_view translated,
+                                                 const RowsPerKey& per_key) {
+  if (per_key.columns.empty()) return std::nullopt;
+  const Tokens tokens = Tokenize(translated);
+  const std::optional<SelectParts> parts = SplitSelect(tokens);
+  if (!parts) return std::nullopt;
+  const std::optional<std::vector<KeyColumn>> keys = KeyColumnsOf(tokens, *parts, per_key.columns);
+  if (!keys) return std::nullopt;
+
+  const std::string list = TextOf(tokens, parts->list);
+  const std::string tables = TextOf(tokens, parts->tables);
+  const std::string order = TextOf(tokens, parts->order);
+  // The statement's own condition, then the key's.
+  const std::string where =
+      " WHERE " + (parts->condition ? "(" + TextOf(tokens, *parts->condition) + ") AND " : "");
+  std::string all_keys, no_null_key, key_matches, a_null_key, key_order;
+  for (const KeyColumn& key : *keys) {
+    const bool first = all_keys.empty();
+    all_keys += (first ? "" : ", ") + key.expression;
+    no_null_key += (first ? "" : " AND ") + key.expression + " IS NOT NULL";
+    key_matches += (first ? "" : " AND ") + key.expression + " = tidewell_keys." + key.name;
+    a_null_key += (first ? "" : " OR ") + key.expression + " IS NULL";
+    key_order += key.name + ", ";
+  }
+  const std::string limit = std::to_string(std::max(per_key.rows, 0L));
+  const std::string place = kPlaceInKeyColumn;
+
+  // ROW_NUMBER() OVER () numbers the rows as the subquery hands them over: in its ORDER BY.
+  return "SELECT tidewell_kept.* FROM (SELECT DISTINCT " + all_keys + " FROM " + tables + where +
+         no_null_key + ") AS tidewell_keys CROSS JOIN LATERAL (SELECT *, ROW_NUMBER() OVER () AS " +
+         place + " FROM (SELECT " + list + " FROM " + tables + where + key_matches +
+         " ORDER BY " + order + " LIMIT " + limit + ") AS tidewell_top) AS tidewell_kept " +
+         "UNION ALL SELECT *, ROW_NUMBER() OVER () AS " + place + " FROM (SELECT " + list +
+         " FROM " + tables + where + "(" + a_null_key + ") ORDER BY " + order +
+         ") AS tidewell_unkeyed ORDER BY " + key_order + place;
+}
+
+bool PerKeyReadings::Rewrite(const std::string& translated) {
+  const auto found = rewritten_runs_.find(translated);
+  if (found == rewritten_runs_.end()) return false;
+  if (++found->second < kProbeInterval) return true;
+  found->second = 0;
+  return false;
+}
+
+void PerKeyReadings::PassedOver(const std::string& translated, long long rows) {
+  if (rows < kCrowded) {
+    rewritten_runs_.erase(translated);
+    return;
+  }
+  if (rewritten_runs_.size() >= kStatements && !rewritten_runs_.contains(translated)) {
+    rewritten_runs_.clear();
+  }
+  rewritten_runs_[translated] = 0;
+}
+
+}  // namespace tidewell::ado
