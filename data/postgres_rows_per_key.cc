@@ -173,6 +173,24 @@ std::optional<std::vector<KeyColumn>> KeyColumnsOf(const Tokens& tokens, const S
   return columns;
 }
 
+// Whether the ORDER BY can number the rows in a window too: a window's ORDER BY reads the
+// tables' columns, so neither a position ("ORDER BY 2") nor a name the list gives ("AS x")
+// may stand in it.
+bool OrderReadsTheTables(const Tokens& tokens, const SelectParts& parts) {
+  size_t depth = 0;  // an AS inside parentheses names a subquery's table, not a column
+  for (size_t i = parts.list.begin; i < parts.list.end; ++i) {
+    if (tokens[i].text == "(") ++depth;
+    if (tokens[i].text == ")" && depth > 0) --depth;
+    if (depth == 0 && IsWord(tokens[i], "AS")) return false;
+  }
+  for (Span item : Items(tokens, parts.order)) {
+    std::vector<Token> term = Significant(tokens, item);
+    if (!term.empty() && IsWordIn(term.back(), {"ASC", "DESC"})) term.pop_back();
+    if (term.size() == 1 && term[0].kind == TokenKind::kNumber) return false;
+  }
+  return true;
+}
+
 }  // namespace
 
 std::optional<std::string> KeepPerKeyForPostgres(std::string_view translated,
@@ -182,7 +200,7 @@ std::optional<std::string> KeepPerKeyForPostgres(std::string_view translated,
   const std::optional<SelectParts> parts = SplitSelect(tokens);
   if (!parts) return std::nullopt;
   const std::optional<std::vector<KeyColumn>> keys = KeyColumnsOf(tokens, *parts, per_key.columns);
-  if (!keys) return std::nullopt;
+  if (!keys || !OrderReadsTheTables(tokens, *parts)) return std::nullopt;
 
   const std::string list = TextOf(tokens, parts->list);
   const std::string tables = TextOf(tokens, parts->tables);
@@ -200,16 +218,16 @@ std::optional<std::string> KeepPerKeyForPostgres(std::string_view translated,
     key_order += key.name + ", ";
   }
   const std::string limit = std::to_string(std::max(per_key.rows, 0L));
-  const std::string place = kPlaceInKeyColumn;
+  // Each row's place in the statement's own order, numbered by the window over that order
+  // (which ends in a unique column), so the outer ORDER BY gives the statement's order back.
+  const std::string numbered =
+      "SELECT " + list + ", ROW_NUMBER() OVER (ORDER BY " + order + ") AS " + kPlaceInKeyColumn;
 
-  // ROW_NUMBER() OVER () numbers the rows as the subquery hands them over: in its ORDER BY.
   return "SELECT tidewell_kept.* FROM (SELECT DISTINCT " + all_keys + " FROM " + tables + where +
-         no_null_key + ") AS tidewell_keys CROSS JOIN LATERAL (SELECT *, ROW_NUMBER() OVER () AS " +
-         place + " FROM (SELECT " + list + " FROM " + tables + where + key_matches +
-         " ORDER BY " + order + " LIMIT " + limit + ") AS tidewell_top) AS tidewell_kept " +
-         "UNION ALL SELECT *, ROW_NUMBER() OVER () AS " + place + " FROM (SELECT " + list +
-         " FROM " + tables + where + "(" + a_null_key + ") ORDER BY " + order +
-         ") AS tidewell_unkeyed ORDER BY " + key_order + place;
+         no_null_key + ") AS tidewell_keys CROSS JOIN LATERAL (" + numbered + " FROM " + tables +
+         where + key_matches + " ORDER BY " + order + " LIMIT " + limit +
+         ") AS tidewell_kept UNION ALL " + numbered + " FROM " + tables + where + "(" +
+         a_null_key + ") ORDER BY " + key_order + kPlaceInKeyColumn;
 }
 
 bool PerKeyReadings::Rewrite(const std::string& translated) {

@@ -27,7 +27,8 @@ inline constexpr const char* kPlaceInKeyColumn = "tidewell_row";
 //
 // Only this shape is rewritten: a SELECT without DISTINCT, GROUP BY, HAVING, LIMIT, OFFSET or
 // set operations, whose list names each key column plainly (DateStamp or Items.DateStamp,
-// no "*") and whose ORDER BY starts with exactly those columns, ascending, in the keys' order.
+// no "*") and gives no item a name of its own (AS), and whose ORDER BY starts with exactly
+// those columns, ascending, in the keys' order, and names no column by its position.
 // Anything else gives nullopt: the session runs the statement as written and passes over
 // the extra rows itself, as it does after the rewrite too.
 std::optional<std::string> KeepPerKeyForPostgres(std::string_view translated,
