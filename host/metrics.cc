@@ -63,16 +63,17 @@ void Metrics::CountAnswer(std::string_view screen, int status, double seconds) {
 void Metrics::CountPage(long long statements, ErrorKind error_kind, int link_keys_refused,
                         LoginRefusal login_refused) {
   statements_.fetch_add(static_cast<uint64_t>(statements), kRelaxed);
-  if (error_kind == ErrorKind::kCannotConnect) database_errors_[1].fetch_add(1, kRelaxed);
-  if (error_kind == ErrorKind::kDatabaseRefused) database_errors_[2].fetch_add(1, kRelaxed);
-  if (error_kind == ErrorKind::kDataRead) database_errors_[3].fetch_add(1, kRelaxed);
+  // The first entry counts the errors that escaped the page; a page's own start at the second.
+  for (size_t i = 1; i < kDatabaseErrorKinds.size(); ++i) {
+    if (error_kind == kDatabaseErrorKinds[i].kind) database_errors_[i].fetch_add(1, kRelaxed);
+  }
   link_keys_refused_.fetch_add(static_cast<uint64_t>(link_keys_refused), kRelaxed);
   if (login_refused == LoginRefusal::kCredentials) logins_refused_credentials_.fetch_add(1, kRelaxed);
   if (login_refused == LoginRefusal::kThrottled) logins_refused_throttled_.fetch_add(1, kRelaxed);
 }
 
 void Metrics::CountEscapedDatabaseError() {
-  database_errors_[0].fetch_add(1, kRelaxed);  // "D"
+  database_errors_[0].fetch_add(1, kRelaxed);  // the entry of no kind
 }
 
 std::string Metrics::Exposition(const ado::PoolStats& pools) const {
@@ -111,7 +112,7 @@ std::string Metrics::Exposition(const ado::PoolStats& pools) const {
            "Pages that ended with a database error, by its kind (DB, DP, DS; D escaped the page).");
   for (size_t kind = 0; kind < kDatabaseErrorKinds.size(); ++kind) {
     Sample(out,
-           std::string("tidewell_database_errors_total{kind=\"") + kDatabaseErrorKinds[kind] +
+           std::string("tidewell_database_errors_total{kind=\"") + kDatabaseErrorKinds[kind].label +
                "\"}",
            database_errors_[kind].load(kRelaxed));
   }

@@ -38,9 +38,17 @@ class Metrics {
  private:
   static constexpr size_t kScreens = screens::kCount + 2;  // "-", each screen, "other"
   static constexpr std::array<int, 9> kStatuses = {200, 400, 404, 405, 413, 431, 500, 503, 0};
-  // The label of each database error counted: one that escaped the page, then the error
-  // screen's three kinds (kCannotConnect, kDatabaseRefused, kDataRead).
-  static constexpr std::array<const char*, 4> kDatabaseErrorKinds = {"D", "DB", "DP", "DS"};
+  // Each database error counted, by its label: one that escaped the page (no kind), then the
+  // error screen's three kinds.
+  struct DatabaseErrorLabel {
+    ErrorKind kind;
+    const char* label;
+  };
+  static constexpr std::array<DatabaseErrorLabel, 4> kDatabaseErrorKinds = {
+      {{ErrorKind::kNone, "D"},
+       {ErrorKind::kCannotConnect, "DB"},
+       {ErrorKind::kDatabaseRefused, "DP"},
+       {ErrorKind::kDataRead, "DS"}}};
   using Counter = std::atomic<uint64_t>;
 
   std::array<std::array<Counter, kStatuses.size()>, kScreens> requests_{};

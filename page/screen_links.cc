@@ -34,10 +34,9 @@ void AppendLinkTo(std::string& out, const Page& page, const LinkScreen& screen,
 }
 
 std::string LinkTo(const Page& page, const LinkScreen& screen, const LinkChanges& changes) {
-  return BuildLink(page, ScreenField(screen), changes.date ? *changes.date : page.CurrentDate,
-                   changes.hour ? *changes.hour : Variant(page.CurrentHour), changes.item,
-                   page.UserKey, changes.sort ? *changes.sort : Variant(page.SortOrder),
-                   page.AdminKey, changes.suffix);
+  std::string link;
+  AppendLinkTo(link, page, screen, changes);
+  return link;
 }
 
 std::string SignedOutLink(const Page& page) {
@@ -50,7 +49,7 @@ std::string ReturningLink(const Page& page, long screen, long item_id) {
 
 std::string DatePickerLink(const Page& page, long form_screen, const std::string& field_value,
                            std::string_view suffix) {
-  const Variant month = IsDate(field_value) ? Variant(CDate(field_value)) : page.CurrentDate;
+  const Date month = IsDate(field_value) ? CDate(field_value) : page.CurrentDate;
   return LinkTo(page, ScreenReturningTo(screens::kDatePicker, form_screen),
                 {.date = month, .suffix = suffix});
 }
