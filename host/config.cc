@@ -9,6 +9,8 @@
 #include <string_view>
 #include <thread>
 
+#include "data/connection_string.h"
+#include "data/database_error.h"
 #include "feeds/site_time_zone.h"
 #include "host/page_template.h"
 #include "page/properties.h"
@@ -294,18 +296,34 @@ const PageConfig* SiteConfig::FindPage(std::string_view path) const {
   return nullptr;
 }
 
-long DefaultWorkers() {
+long DefaultWorkers(DatabaseWork work) {
   // The processors this process may run on (fewer than the machine's in a pinned container).
   cpu_set_t allowed;
   long processors = sched_getaffinity(0, sizeof allowed, &allowed) == 0
                         ? CPU_COUNT(&allowed)
                         : static_cast<long>(std::thread::hardware_concurrency());
-  return std::clamp(2 * processors, 2L, 64L);
+  const long per_processor = work == DatabaseWork::kOnTheRequestsThread ? 1 : 2;
+  return std::clamp(per_processor * processors, 2L, 64L);
+}
+
+long WorkersOf(const SiteConfig& config) {
+  if (config.workers > 0) return config.workers;
+  for (const PageConfig& page : config.pages) {
+    bool on_sqlite = false;
+    try {
+      on_sqlite = EqualsIgnoringCase(
+          ado::ParseConnectionString(page.PropertyValue("ConnectionString")).provider,
+          "SQLite");
+    } catch (const ado::DatabaseError&) {
+      // Counted as another engine's: more threads than needed cost less than too few.
+    }
+    if (!on_sqlite) return DefaultWorkers(DatabaseWork::kInAnotherProcess);
+  }
+  return DefaultWorkers(DatabaseWork::kOnTheRequestsThread);
 }
 
 SiteConfig DefaultConfig() {
   SiteConfig config;
-  config.workers = DefaultWorkers();
   config.pages.emplace_back();
   config.pages.front().page_template = DefaultPageTemplate();
   config.time_zone = SystemTimeZoneName();

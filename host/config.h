@@ -59,7 +59,8 @@ struct SiteConfig {
   // receive an answer).
   long idle_timeout_seconds = 30;
   long max_connections = 10000;
-  long workers = 0;  // threads that run the component; DefaultConfig sets DefaultWorkers()
+  // Threads that run the component; 0 until Workers sets it, and then WorkersOf chooses.
+  long workers = 0;
   // Origins allowed to show the pages in a frame ("https://intranet.example"); none by default.
   std::vector<std::string> frame_ancestors;
   // Replaces the built-in Content-Security-Policy (host/security_headers.h) when set.
@@ -97,11 +98,20 @@ class ConfigError : public std::runtime_error {
 SiteConfig LoadConfig(const std::string& path);
 SiteConfig ParseConfig(const std::string& text, const std::string& file_name);
 
-// Threads that run the component unless Workers says otherwise: two for each processor. A
-// request on SQLite keeps its processor busy, so more threads than that only take turns on
-// the processors and stretch every request's time; a request on PostgreSQL also waits for the
-// engine, which the second thread covers.
-long DefaultWorkers();
+// Where a request's database work runs: on the thread that runs the request (SQLite), or in
+// another process the thread waits for (PostgreSQL).
+enum class DatabaseWork { kOnTheRequestsThread, kInAnotherProcess };
+
+// Threads that run the component unless Workers says otherwise, for the processors this
+// process may run on (at least 2, at most 64). A request on SQLite keeps its processor busy
+// from start to end, so one thread for each processor: more only take turns on the processors
+// and stretch every request's time. A request on PostgreSQL also waits for the engine, which
+// a second thread for each processor covers.
+long DefaultWorkers(DatabaseWork work);
+
+// The Workers setting, or the default for the site's pages: work in another process when any
+// page's ConnectionString names a provider other than SQLite (or none that can be read).
+long WorkersOf(const SiteConfig& config);
 
 // The configuration without a file: one page at "/" with the defaults.
 SiteConfig DefaultConfig();

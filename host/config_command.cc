@@ -48,7 +48,7 @@ void PrintServerKeys(const SiteConfig& config) {
   PrintLine("RequestTimeout", std::to_string(config.request_timeout_seconds));
   PrintLine("IdleTimeout", std::to_string(config.idle_timeout_seconds));
   PrintLine("MaxConnections", std::to_string(config.max_connections));
-  PrintLine("Workers", std::to_string(config.workers));
+  PrintLine("Workers", std::to_string(WorkersOf(config)));
   if (!config.frame_ancestors.empty()) {
     std::string origins;
     for (const std::string& origin : config.frame_ancestors) {

@@ -118,7 +118,7 @@ HttpServerLimits LimitsOf(const SiteConfig& config) {
   limits.request_timeout = std::chrono::seconds(config.request_timeout_seconds);
   limits.idle_timeout = std::chrono::seconds(config.idle_timeout_seconds);
   limits.max_connections = static_cast<size_t>(config.max_connections);
-  limits.workers = static_cast<size_t>(config.workers);
+  limits.workers = static_cast<size_t>(WorkersOf(config));
   return limits;
 }
 

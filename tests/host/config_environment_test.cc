@@ -75,7 +75,7 @@ TEST(ConfigEnvironment, ABadValueOrAMissingFileNamesTheVariable) {
             std::string::npos);
   EXPECT_NE(ErrorOf(config, {"TIDEWELL_VISIBLE=perhaps"}).rfind("environment TIDEWELL_VISIBLE: ", 0),
             std::string::npos);
-  EXPECT_EQ(config.workers, DefaultWorkers());
+  EXPECT_EQ(config.workers, 0);
   EXPECT_FALSE(config.link_secret);
 }
 

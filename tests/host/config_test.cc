@@ -128,20 +128,49 @@ TEST(Config, BadFeedValuesStopWithTheirLine) {
             "site.conf:2: TimeZone applies to the whole server; set it before any [page] section");
 }
 
-// Two threads for each processor the server may run on: a process pinned to one gets two.
-TEST(Config, DefaultWorkersAreTwoForEachProcessorAllowed) {
-  long pinned = 0;
+// One thread for each processor the server may run on when the database work runs on the
+// request's thread, two when it runs in another process; never fewer than two.
+TEST(Config, DefaultWorkersFollowTheProcessorsAllowedAndWhereTheDatabaseWorks) {
+  long pinned_here = 0;
+  long pinned_elsewhere = 0;
   std::thread([&] {
     cpu_set_t one;
     CPU_ZERO(&one);
     CPU_SET(sched_getcpu(), &one);
     ASSERT_EQ(sched_setaffinity(0, sizeof one, &one), 0);
-    pinned = DefaultWorkers();
+    pinned_here = DefaultWorkers(DatabaseWork::kOnTheRequestsThread);
+    pinned_elsewhere = DefaultWorkers(DatabaseWork::kInAnotherProcess);
   }).join();
-  EXPECT_EQ(pinned, 2);
+  EXPECT_EQ(pinned_here, 2);
+  EXPECT_EQ(pinned_elsewhere, 2);
   cpu_set_t allowed;
   ASSERT_EQ(sched_getaffinity(0, sizeof allowed, &allowed), 0);
-  EXPECT_EQ(DefaultWorkers(), std::clamp(2L * CPU_COUNT(&allowed), 2L, 64L));
+  const long processors = CPU_COUNT(&allowed);
+  EXPECT_EQ(DefaultWorkers(DatabaseWork::kOnTheRequestsThread), std::clamp(processors, 2L, 64L));
+  EXPECT_EQ(DefaultWorkers(DatabaseWork::kInAnotherProcess),
+            std::clamp(2 * processors, 2L, 64L));
+}
+
+// Without Workers, the site's engines choose: SQLite on every page runs its work on the
+// request's thread; PostgreSQL, or a connection string that cannot be read, on any page counts
+// as work in another process. Workers wins over both.
+TEST(Config, WorkersOfASiteFollowItsPagesEngines) {
+  const long here = DefaultWorkers(DatabaseWork::kOnTheRequestsThread);
+  const long elsewhere = DefaultWorkers(DatabaseWork::kInAnotherProcess);
+  EXPECT_EQ(WorkersOf(ParseConfig("ConnectionString = Provider=SQLite;Data Source=a.db\n", "f")),
+            here);
+  EXPECT_EQ(WorkersOf(ParseConfig("ConnectionString = provider=sqlite;Data Source=a.db\n"
+                                  "[page /b]\nConnectionString = Provider=SQLite;Data Source=b.db\n",
+                                  "f")),
+            here);
+  EXPECT_EQ(WorkersOf(ParseConfig("ConnectionString = Provider=SQLite;Data Source=a.db\n"
+                                  "[page /b]\nConnectionString = Provider=PostgreSQL;host=db\n",
+                                  "f")),
+            elsewhere);
+  EXPECT_EQ(WorkersOf(ParseConfig("", "f")), elsewhere);
+  EXPECT_EQ(WorkersOf(ParseConfig("ConnectionString = Provider=PostgreSQL;host=db\nWorkers = 3\n",
+                                  "f")),
+            3);
 }
 
 TEST(Config, ServerLimitsHaveDefaultsAndTakeWholeNumbers) {
@@ -149,7 +178,7 @@ TEST(Config, ServerLimitsHaveDefaultsAndTakeWholeNumbers) {
   EXPECT_EQ(defaults.request_timeout_seconds, 10);
   EXPECT_EQ(defaults.idle_timeout_seconds, 30);
   EXPECT_EQ(defaults.max_connections, 10000);
-  EXPECT_EQ(defaults.workers, DefaultWorkers());
+  EXPECT_EQ(defaults.workers, 0);  // chosen by WorkersOf
   SiteConfig config = ParseConfig(
       "RequestTimeout = 5\nIdleTimeout = 60\nMaxConnections = 2000\nWorkers = 4\n", "site.conf");
   EXPECT_EQ(config.request_timeout_seconds, 5);
