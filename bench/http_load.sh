@@ -13,8 +13,12 @@
 # is padded with the given numbers of rows in other years. nginx serves the month page's bytes
 # as a file in the same run. Every server is started here and stopped at the end; nothing
 # else is contacted. Prints one table row per measurement: req/s, p50, p99, req/s as a share
-# of nginx's, and the statements each request ran on the database (the mean of the server's
-# access lines for the measured requests).
+# of nginx's, the statements each request ran on the database (the mean of the server's
+# access lines for the measured requests), and the processor time the server spent on each
+# request (its user and system time over the run, from /proc, divided by the requests). wrk
+# shares the machine's processors with the server, so the latencies move with everything
+# else running; the processor time per request moves far less and is the figure to compare
+# when changing the code.
 #
 # Two switches narrow a run, e.g. to look at one request while changing the code:
 #   TIDEWELL_HTTP_LOAD_ENGINES  the engines to measure, of "SQLite PostgreSQL" (both unless set)
@@ -42,8 +46,8 @@ nginx_bin=$(command -v nginx || echo /usr/sbin/nginx)
 # The PostgreSQL half runs inside a throwaway server: the script calls itself there.
 if [[ -z ${TIDEWELL_HTTP_LOAD_ENGINE:-} ]]; then
   ninja -C "$build" tidewell seed_busy_site >/dev/null
-  printf '| engine | request | req/s | p50 | p99 | share of nginx | statements/request |\n'
-  printf '|---|---|---|---|---|---|---|\n'
+  printf '| engine | request | req/s | p50 | p99 | share of nginx | statements/request | server µs/request |\n'
+  printf '|---|---|---|---|---|---|---|---|\n'
   engines=${TIDEWELL_HTTP_LOAD_ENGINES:-SQLite PostgreSQL}
   if [[ " $engines " == *" SQLite "* ]]; then
     TIDEWELL_HTTP_LOAD_ENGINE=SQLite "$0" "$build" "$seconds" "${paddings[@]}"
@@ -83,8 +87,9 @@ pg_uri() {
   echo "host=$host port=$port dbname=tidewell user=tidewell"
 }
 
-# Starts tidewell on the database $1 (its files named $2); sets server_port.
+# Starts tidewell on the database $1 (its files named $2); sets server_port and server_pid.
 server_port=
+server_pid=
 start_server() {
   local name=$2 dialect=0
   [[ $engine == PostgreSQL ]] && dialect=1
@@ -93,6 +98,7 @@ start_server() {
   TIDEWELL_NOW="2026-11-21 09:30:00" "$build/tidewell" serve --config "$work/$name.conf" \
     --listen 127.0.0.1:0 >/dev/null 2>"$work/$name.log" &
   pids+=($!)
+  server_pid=$!
   local port=
   for _ in $(seq 200); do
     port=$(sed -n 's|.*serving http://127.0.0.1:\([0-9]*\)/.*|\1|p' "$work/$name.log")
@@ -114,7 +120,7 @@ print(m.group(1) if m else "")
 EOF
 }
 
-# "req/s p50 p99" from wrk's --latency output in $1 (latencies in ms).
+# "req/s p50 p99 requests" from wrk's --latency output in $1 (latencies in ms).
 wrk_figures() {
   python3 - "$1" <<'EOF'
 import re, sys
@@ -124,7 +130,8 @@ def ms(label):
     value, unit = float(m.group(1)), m.group(2)
     return value / 1000 if unit == "us" else value * 1000 if unit == "s" else value
 rate = float(re.search(r"Requests/sec:\s+([\d.]+)", text).group(1))
-print(f"{rate:.0f} {ms('50%'):.2f} {ms('99%'):.2f}")
+requests = int(re.search(r"(\d+) requests in", text).group(1))
+print(f"{rate:.0f} {ms('50%'):.2f} {ms('99%'):.2f} {requests}")
 EOF
 }
 
@@ -136,25 +143,34 @@ counts = [int(m.group(1)) for m in re.finditer(r" statements=(\d+) ", sys.stdin.
 print(f"{sum(counts) / len(counts):.2f}" if counts else "-")'
 }
 
-# wrk against $2 on port $1 (a lua script $3 for posts); prints "req/s p50 p99 statements",
-# the statements read from the server's log $4 when given.
+# The user and system time process $1 has used so far, in clock ticks.
+cpu_ticks() { awk '{print $14 + $15}' "/proc/$1/stat"; }
+
+# wrk against $2 on port $1 (a lua script $3 for posts); prints "req/s p50 p99 statements
+# cpu": the statements read from the server's log $4, and the processor time in microseconds
+# that the server process $5 spent on each request; each "-" when not given.
 measure() {
-  local args=(-t2 -c16 -d"${seconds}s" --latency) log=${4:-} lines=0
+  local args=(-t2 -c16 -d"${seconds}s" --latency) log=${4:-} pid=${5:-} lines=0 ticks=0
   [[ -n ${3:-} ]] && args+=(-s "$3")
   [[ -n $log ]] && lines=$(wc -l <"$log")
+  [[ -n $pid ]] && ticks=$(cpu_ticks "$pid")
   wrk "${args[@]}" "http://127.0.0.1:$1/$2" >"$work/wrk.out"
+  [[ -n $pid ]] && ticks=$(($(cpu_ticks "$pid") - ticks))
   sleep 0.2  # the last answers' lines
-  echo "$(wrk_figures "$work/wrk.out") $([[ -n $log ]] && statements_after "$log" "$lines" || echo -)"
+  local rate p50 p99 requests cpu=-
+  read -r rate p50 p99 requests <<<"$(wrk_figures "$work/wrk.out")"
+  [[ -n $pid ]] && cpu=$(python3 -c "print(f'{$ticks / $(getconf CLK_TCK) / $requests * 1e6:.0f}')")
+  echo "$rate $p50 $p99 $([[ -n $log ]] && statements_after "$log" "$lines" || echo -) $cpu"
 }
 
 nginx_rate=
-row() {  # request, "req/s p50 p99 statements"
-  read -r rate p50 p99 statements <<<"$2"
+row() {  # request, "req/s p50 p99 statements cpu"
+  read -r rate p50 p99 statements cpu <<<"$2"
   local share="-"
   [[ $1 == nginx* ]] && share="1"
   [[ -n $nginx_rate ]] && share=$(python3 -c "print(f'{$rate / $nginx_rate:.3f}')")
-  printf '| %s | %s | %s | %s ms | %s ms | %s | %s |\n' "$engine" "$1" "$rate" "$p50" "$p99" \
-    "$share" "$statements"
+  printf '| %s | %s | %s | %s ms | %s ms | %s | %s | %s |\n' "$engine" "$1" "$rate" "$p50" \
+    "$p99" "$share" "$statements" "$cpu"
 }
 
 seed() { "$build/bench/seed_busy_site" "$1" "$2" >/dev/null; }
@@ -164,6 +180,7 @@ database=$(new_database busy)
 seed "$database" 0
 start_server "$database" busy
 port=$server_port
+pid=$server_pid
 curl -s -o "$work/month.html" --data "username=boss&password=pw&login=y" "http://127.0.0.1:$port/"
 month=$(link_titled "$work/month.html" "Display MonthView")
 [[ -n $month ]] || { echo "could not sign in:" >&2; head -c 2000 "$work/month.html" >&2; exit 1; }
@@ -198,12 +215,12 @@ nginx_rate=${nginx_figures%% *}
 fi
 
 log=$work/busy.log
-wanted month && row "month view" "$(measure "$port" "$month" "" "$log")"
+wanted month && row "month view" "$(measure "$port" "$month" "" "$log" "$pid")"
 for view in WeekView DayView TimeView; do
   view_name=${view%View}
   wanted "${view_name,,}" || continue
   row "${view/View/ view}" \
-    "$(measure "$port" "$(link_titled "$work/month.html" "Display $view")" "" "$log")"
+    "$(measure "$port" "$(link_titled "$work/month.html" "Display $view")" "" "$log" "$pid")"
 done
 
 # An item added through the item form, as its post sends it.
@@ -216,7 +233,7 @@ wrk.method = "POST"
 wrk.headers["Content-Type"] = "application/x-www-form-urlencoded"
 wrk.body = "datestamp=11%2F25%2F2026&timestamp=10&timetext=30&heading=Load&description=&submit=Add&action=a"
 EOF
-row "item-add post" "$(measure "$port" "$action" "$work/post.lua" "$log")"
+row "item-add post" "$(measure "$port" "$action" "$work/post.lua" "$log" "$pid")"
 fi
 
 # The month view over larger tables: the same month, more rows in other years.
@@ -226,9 +243,10 @@ for padding in "${paddings[@]}"; do
   seed "$database" "$padding"
   start_server "$database" "padded_$padding"
   padded_port=$server_port
+  padded_pid=$server_pid
   curl -s -o "$work/padded.html" --data "username=boss&password=pw&login=y" \
     "http://127.0.0.1:$padded_port/"
   padded_month=$(link_titled "$work/padded.html" "Display MonthView")
   row "month view, Items + $padding rows" \
-    "$(measure "$padded_port" "$padded_month" "" "$work/padded_$padding.log")"
+    "$(measure "$padded_port" "$padded_month" "" "$work/padded_$padding.log" "$padded_pid")"
 done
