@@ -173,22 +173,45 @@ std::optional<std::vector<KeyColumn>> KeyColumnsOf(const Tokens& tokens, const S
   return columns;
 }
 
-// Whether the ORDER BY can number the rows in a window too: a window's ORDER BY reads the
-// tables' columns, so neither a position ("ORDER BY 2") nor a name the list gives ("AS x")
-// may stand in it.
-bool OrderReadsTheTables(const Tokens& tokens, const SelectParts& parts) {
-  size_t depth = 0;  // an AS inside parentheses names a subquery's table, not a column
+// The ORDER BY as it reads the statement's rows, for a query over those rows: each term a
+// column of the list by the name the rows carry it under, with its direction. nullopt when a
+// term is anything else (a position, an expression, NULLS FIRST, a column the list leaves out
+// or names twice), or when the list gives an item a name of its own (AS).
+std::optional<std::string> OrderOfTheRows(const Tokens& tokens, const SelectParts& parts) {
+  size_t depth = 0;  // an AS inside parentheses names a subquery's table, not an item
   for (size_t i = parts.list.begin; i < parts.list.end; ++i) {
     if (tokens[i].text == "(") ++depth;
     if (tokens[i].text == ")" && depth > 0) --depth;
-    if (depth == 0 && IsWord(tokens[i], "AS")) return false;
+    if (depth == 0 && IsWord(tokens[i], "AS")) return std::nullopt;
   }
-  for (Span item : Items(tokens, parts.order)) {
-    std::vector<Token> term = Significant(tokens, item);
-    if (!term.empty() && IsWordIn(term.back(), {"ASC", "DESC"})) term.pop_back();
-    if (term.size() == 1 && term[0].kind == TokenKind::kNumber) return false;
+  std::vector<std::vector<Token>> items;
+  for (Span item : Items(tokens, parts.list)) items.push_back(Significant(tokens, item));
+  auto plain_column = [](const std::vector<Token>& term) {
+    return (term.size() == 1 && term[0].kind == TokenKind::kWord) ||
+           (term.size() == 3 && term[0].kind == TokenKind::kWord && term[1].text == "." &&
+            term[2].kind == TokenKind::kWord);
+  };
+  std::string order;
+  for (Span span : Items(tokens, parts.order)) {
+    std::vector<Token> term = Significant(tokens, span);
+    std::string direction;
+    if (!term.empty() && IsWordIn(term.back(), {"ASC", "DESC"})) {
+      direction = " " + std::string(term.back().text);
+      term.pop_back();
+    }
+    if (!plain_column(term)) return std::nullopt;
+    const std::string name(term.back().text);
+    // The list's item of that name: the same column when either names it without its table.
+    size_t found = 0;
+    for (const std::vector<Token>& item : items) {
+      if (!plain_column(item) || !IsWord(item.back(), name)) continue;
+      if (item.size() == 3 && term.size() == 3 && !SameTokens(item, term)) return std::nullopt;
+      ++found;
+    }
+    if (found != 1) return std::nullopt;
+    order += (order.empty() ? "" : ", ") + name + direction;
   }
-  return true;
+  return order;
 }
 
 }  // namespace
@@ -200,7 +223,9 @@ std::optional<std::string> KeepPerKeyForPostgres(std::string_view translated,
   const std::optional<SelectParts> parts = SplitSelect(tokens);
   if (!parts) return std::nullopt;
   const std::optional<std::vector<KeyColumn>> keys = KeyColumnsOf(tokens, *parts, per_key.columns);
-  if (!keys || !OrderReadsTheTables(tokens, *parts)) return std::nullopt;
+  if (!keys) return std::nullopt;
+  const std::optional<std::string> order_of_rows = OrderOfTheRows(tokens, *parts);
+  if (!order_of_rows) return std::nullopt;
 
   const std::string list = TextOf(tokens, parts->list);
   const std::string tables = TextOf(tokens, parts->tables);
@@ -208,26 +233,23 @@ std::optional<std::string> KeepPerKeyForPostgres(std::string_view translated,
   // The statement's own condition, then the key's.
   const std::string where =
       " WHERE " + (parts->condition ? "(" + TextOf(tokens, *parts->condition) + ") AND " : "");
-  std::string all_keys, no_null_key, key_matches, a_null_key, key_order;
+  std::string all_keys, no_null_key, key_matches, a_null_key;
   for (const KeyColumn& key : *keys) {
     const bool first = all_keys.empty();
     all_keys += (first ? "" : ", ") + key.expression;
     no_null_key += (first ? "" : " AND ") + key.expression + " IS NOT NULL";
     key_matches += (first ? "" : " AND ") + key.expression + " = tidewell_keys." + key.name;
     a_null_key += (first ? "" : " OR ") + key.expression + " IS NULL";
-    key_order += key.name + ", ";
   }
   const std::string limit = std::to_string(std::max(per_key.rows, 0L));
-  // Each row's place in the statement's own order, numbered by the window over that order
-  // (which ends in a unique column), so the outer ORDER BY gives the statement's order back.
-  const std::string numbered =
-      "SELECT " + list + ", ROW_NUMBER() OVER (ORDER BY " + order + ") AS " + kPlaceInKeyColumn;
-
+  // The LIMIT stands right over the key's ORDER BY, so the engine keeps a top-n sort of the
+  // key's rows rather than sorting them all; the rows kept are few, and the last ORDER BY
+  // sorts them again in the statement's order, by the columns as the rows carry them.
   return "SELECT tidewell_kept.* FROM (SELECT DISTINCT " + all_keys + " FROM " + tables + where +
-         no_null_key + ") AS tidewell_keys CROSS JOIN LATERAL (" + numbered + " FROM " + tables +
-         where + key_matches + " ORDER BY " + order + " LIMIT " + limit +
-         ") AS tidewell_kept UNION ALL " + numbered + " FROM " + tables + where + "(" +
-         a_null_key + ") ORDER BY " + key_order + kPlaceInKeyColumn;
+         no_null_key + ") AS tidewell_keys CROSS JOIN LATERAL (SELECT " + list + " FROM " +
+         tables + where + key_matches + " ORDER BY " + order + " LIMIT " + limit +
+         ") AS tidewell_kept UNION ALL SELECT " + list + " FROM " + tables + where + "(" +
+         a_null_key + ") ORDER BY " + *order_of_rows;
 }
 
 bool PerKeyReadings::Rewrite(const std::string& translated) {

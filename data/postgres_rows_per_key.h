@@ -9,10 +9,6 @@
 
 namespace tidewell::ado {
 
-// The column a statement from KeepPerKeyForPostgres adds after its own: each row's place in
-// its key's run, which the session reads no further.
-inline constexpr const char* kPlaceInKeyColumn = "tidewell_row";
-
 // A statement already in PostgreSQL's words (after TranslateSqlServerForPostgres), rewritten
 // so that the engine itself keeps at most `per_key.rows` rows of each key instead of sorting
 // and sending every row for the session to pass over. For
@@ -21,14 +17,15 @@ inline constexpr const char* kPlaceInKeyColumn = "tidewell_row";
 //
 // it reads the keys the condition selects, and for each the statement's own first rows
 // (a LATERAL subquery with its ORDER BY and a LIMIT, a top-n sort over that key's rows
-// alone, found through the index on the key); rows with a null key column, which no key
-// equals, follow as the statement reads them. The rows come back in the statement's order
-// with kPlaceInKeyColumn last.
+// alone, found through the index on the key), with the rows whose key holds a null, which no
+// key equals. The rows kept are sorted again by the statement's ORDER BY, read as the columns
+// the rows carry, so they come back in the statement's order with the statement's columns.
 //
 // Only this shape is rewritten: a SELECT without DISTINCT, GROUP BY, HAVING, LIMIT, OFFSET or
 // set operations, whose list names each key column plainly (DateStamp or Items.DateStamp,
 // no "*") and gives no item a name of its own (AS), and whose ORDER BY starts with exactly
-// those columns, ascending, in the keys' order, and names no column by its position.
+// those columns, ascending, in the keys' order, and otherwise names only columns the list
+// holds once, each plainly with an optional direction.
 // Anything else gives nullopt: the session runs the statement as written and passes over
 // the extra rows itself, as it does after the rewrite too.
 std::optional<std::string> KeepPerKeyForPostgres(std::string_view translated,

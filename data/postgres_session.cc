@@ -149,11 +149,10 @@ std::string ConnectionFailureText(PGconn* conn) {
   return line;
 }
 
-// Which of a result's rows and columns the session reads.
+// Which of a result's rows the session reads.
 struct RowsWanted {
   const RowsPerKey* per_key = nullptr;  // only the first rows of each key when given
-  bool place_in_key_last = false;        // the statement was rewritten by KeepPerKeyForPostgres
-  long long* passed_over = nullptr;      // counts the rows per_key passed over, when given
+  long long* passed_over = nullptr;     // counts the rows per_key passed over, when given
 };
 
 struct ResultDeleter {
@@ -221,7 +220,7 @@ class PostgresSession : public Session {
     if (!per_key) return RunTranslated(translated, {});
     if (per_key_readings_.Rewrite(translated)) {
       if (std::optional<std::string> kept = KeepPerKeyForPostgres(translated, *per_key)) {
-        return RunTranslated(*kept, {.per_key = per_key, .place_in_key_last = true});
+        return RunTranslated(*kept, {.per_key = per_key});
       }
     }
     long long passed_over = 0;
@@ -349,11 +348,10 @@ class PostgresSession : public Session {
   }
 
   // The rows of the result, only those `per_key` keeps when it is given (after the engine kept
-  // them too, when the statement was rewritten: the session's count is the guarantee), and
-  // without the place column the rewrite added.
+  // them too, when the statement was rewritten: the session's count is the guarantee).
   static Rows ReadRows(const PGresult* result, const RowsWanted& wanted) {
     Rows rows;
-    const int columns = PQnfields(result) - (wanted.place_in_key_last ? 1 : 0);
+    const int columns = PQnfields(result);
     for (int c = 0; c < columns; ++c) {
       rows.names.emplace_back(PQfname(result, c));
       rows.kinds.push_back(KindOfType(PQftype(result, c)));

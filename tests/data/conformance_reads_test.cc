@@ -254,8 +254,8 @@ TYPED_TEST(Reads, KeepPerKeyKeepsTheFirstRowsOfEachGroup) {
 // urgency and heading, and by ItemID among items alike in all of those.
 Statement TwoDaysOfTheGroup(ASPDataServer dialect, long group) {
   return Statement(
-             "SELECT ItemID, Heading, TimeStamp, Initials, DateStamp FROM Items INNER JOIN Users "
-             "ON Items.OwnerKey = Users.OwnerKey WHERE DateStamp >= ")
+             "SELECT ItemID, Heading, TimeStamp, Urgent, Initials, DateStamp FROM Items INNER "
+             "JOIN Users ON Items.OwnerKey = Users.OwnerKey WHERE DateStamp >= ")
       .DateValue(kNov3, dialect)
       .Add(" AND DateStamp <= ")
       .DateValue(kNov4, dialect)

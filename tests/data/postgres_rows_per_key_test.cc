@@ -19,30 +19,27 @@ TEST(KeepPerKeyForPostgres, ReadsEachKeysFirstRowsThroughALimitAndTheNullKeysAft
             "SELECT tidewell_kept.* FROM (SELECT DISTINCT DateStamp FROM Items INNER JOIN Users "
             "ON Items.OwnerKey = Users.OwnerKey WHERE (DateStamp >= '10/25/2026' AND GroupID = 1) "
             "AND DateStamp IS NOT NULL) AS tidewell_keys CROSS JOIN LATERAL (SELECT ItemID, "
-            "Heading, DateStamp, ROW_NUMBER() OVER (ORDER BY DateStamp, Heading ASC, ItemID) AS "
-            "tidewell_row FROM Items INNER JOIN Users ON Items.OwnerKey = Users.OwnerKey WHERE "
-            "(DateStamp >= '10/25/2026' AND GroupID = 1) AND DateStamp = tidewell_keys.DateStamp "
-            "ORDER BY DateStamp, Heading ASC, ItemID LIMIT 6) AS tidewell_kept UNION ALL SELECT "
-            "ItemID, Heading, DateStamp, ROW_NUMBER() OVER (ORDER BY DateStamp, Heading ASC, "
-            "ItemID) AS tidewell_row FROM Items INNER JOIN Users ON Items.OwnerKey = "
-            "Users.OwnerKey WHERE (DateStamp >= '10/25/2026' AND GroupID = 1) AND (DateStamp IS "
-            "NULL) ORDER BY DateStamp, tidewell_row");
+            "Heading, DateStamp FROM Items INNER JOIN Users ON Items.OwnerKey = Users.OwnerKey "
+            "WHERE (DateStamp >= '10/25/2026' AND GroupID = 1) AND DateStamp = "
+            "tidewell_keys.DateStamp ORDER BY DateStamp, Heading ASC, ItemID LIMIT 6) AS "
+            "tidewell_kept UNION ALL SELECT ItemID, Heading, DateStamp FROM Items INNER JOIN Users "
+            "ON Items.OwnerKey = Users.OwnerKey WHERE (DateStamp >= '10/25/2026' AND GroupID = 1) "
+            "AND (DateStamp IS NULL) ORDER BY DateStamp, Heading ASC, ItemID");
 }
 
+// The last ORDER BY names the columns as the rows carry them, with their directions.
 TEST(KeepPerKeyForPostgres, TwoKeysWithoutAConditionAndAQualifiedKey) {
   EXPECT_EQ(KeepPerKeyForPostgres("SELECT Heading, Items.DateStamp, TimeStamp FROM Items ORDER BY "
-                                  "Items.DateStamp ASC, timestamp, Heading",
+                                  "Items.DateStamp ASC, timestamp, Items.Heading DESC",
                                   {{"datestamp", "TimeStamp"}, 2}),
             "SELECT tidewell_kept.* FROM (SELECT DISTINCT Items.DateStamp, TimeStamp FROM Items "
             "WHERE Items.DateStamp IS NOT NULL AND TimeStamp IS NOT NULL) AS tidewell_keys CROSS "
-            "JOIN LATERAL (SELECT Heading, Items.DateStamp, TimeStamp, ROW_NUMBER() OVER (ORDER "
-            "BY Items.DateStamp ASC, timestamp, Heading) AS tidewell_row FROM Items WHERE "
+            "JOIN LATERAL (SELECT Heading, Items.DateStamp, TimeStamp FROM Items WHERE "
             "Items.DateStamp = tidewell_keys.datestamp AND TimeStamp = tidewell_keys.TimeStamp "
-            "ORDER BY Items.DateStamp ASC, timestamp, Heading LIMIT 2) AS tidewell_kept UNION ALL "
-            "SELECT Heading, Items.DateStamp, TimeStamp, ROW_NUMBER() OVER (ORDER BY "
-            "Items.DateStamp ASC, timestamp, Heading) AS tidewell_row FROM Items WHERE "
-            "(Items.DateStamp IS NULL OR TimeStamp IS NULL) ORDER BY datestamp, TimeStamp, "
-            "tidewell_row");
+            "ORDER BY Items.DateStamp ASC, timestamp, Items.Heading DESC LIMIT 2) AS "
+            "tidewell_kept UNION ALL SELECT Heading, Items.DateStamp, TimeStamp FROM Items WHERE "
+            "(Items.DateStamp IS NULL OR TimeStamp IS NULL) ORDER BY DateStamp ASC, timestamp, "
+            "Heading DESC");
 }
 
 TEST(KeepPerKeyForPostgres, ANegativeCountLimitsToNone) {
@@ -69,9 +66,20 @@ TEST(KeepPerKeyForPostgres, LeavesOtherShapesAlone) {
   EXPECT_TRUE(unchanged("SELECT * FROM Items ORDER BY DateStamp", by_day));
   EXPECT_TRUE(unchanged("SELECT Items.* FROM Items ORDER BY DateStamp", by_day));
   EXPECT_TRUE(unchanged("SELECT ItemID AS DateStamp FROM Items ORDER BY DateStamp", by_day));
-  // The window that numbers the rows reads the tables: no positions, no names of the list's.
+  // The rows kept are sorted again by the columns they carry: every term of the order must be
+  // one of them, named plainly, and the list must name its items as the tables do.
   EXPECT_TRUE(unchanged("SELECT DateStamp, Heading FROM Items ORDER BY DateStamp, 2", by_day));
   EXPECT_TRUE(unchanged("SELECT DateStamp, Heading AS h FROM Items ORDER BY DateStamp, h", by_day));
+  EXPECT_TRUE(unchanged("SELECT DateStamp, Heading FROM Items ORDER BY DateStamp, UserName",
+                        by_day));
+  EXPECT_TRUE(unchanged("SELECT DateStamp, Heading FROM Items ORDER BY DateStamp, lower(Heading)",
+                        by_day));
+  EXPECT_TRUE(unchanged("SELECT DateStamp, Heading FROM Items ORDER BY DateStamp, Heading NULLS "
+                        "FIRST", by_day));
+  EXPECT_TRUE(unchanged("SELECT DateStamp, Items.Heading FROM Items ORDER BY DateStamp, "
+                        "Users.Heading", by_day));
+  EXPECT_TRUE(unchanged("SELECT DateStamp, Items.Heading, Users.Heading FROM Items ORDER BY "
+                        "DateStamp, Heading", by_day));
   EXPECT_TRUE(unchanged("SELECT DateStamp, Users.DateStamp FROM Items ORDER BY DateStamp", by_day));
   EXPECT_TRUE(unchanged("SELECT Heading FROM Items ORDER BY DateStamp", by_day));  // not listed
   EXPECT_TRUE(unchanged("UPDATE Items SET Heading = 'x'", by_day));

@@ -7,6 +7,8 @@
 #include <vector>
 
 #include "data/database_error.h"
+#include "data/dialect_translation.h"
+#include "data/postgres_rows_per_key.h"
 #include "runtime/dates.h"
 #include "views/item_list.h"
 
@@ -121,6 +123,27 @@ TEST(ViewListStatement, JoinsTheCellsConditionsAndSortsAsTheirLists) {
                 "'11/3/2026' AND (TimeStamp = 22 OR TimeStamp = 23)) OR (DateStamp = '11/4/2026' "
                 "AND (TimeStamp = 0))) AND GroupID = 7 ORDER BY DateStamp, TimeStamp, Heading "
                 "DESC, ItemID");
+}
+
+// On PostgreSQL a crowded view reads each cell's first rows on the engine
+// (KeepPerKeyForPostgres), which needs every column the view sorts by in its list: so for the
+// day lists' default and every order a header asks for, over days and over hours.
+TEST(ViewListStatement, EveryOrderOfTheViewsCanBeKeptPerCellOnPostgres) {
+  const std::vector<ListCell> days = {{DateSerial(2026, 11, 3), std::nullopt},
+                                      {DateSerial(2026, 11, 4), std::nullopt}};
+  const std::vector<ListCell> hours = {{DateSerial(2026, 11, 3), 9}, {DateSerial(2026, 11, 3), 10}};
+  std::vector<std::string> sorts = {kDefaultDaySort};
+  for (const char* code : {"U*A", "U*D", "T*A", "T*D", "I*A", "I*D", "H*A", "H*D"}) {
+    sorts.push_back(ExpandSortCode(code, list_modes::kDayRow));
+  }
+  for (const std::string& sort : sorts) {
+    const std::string by_day = ado::TranslateSqlServerForPostgres(
+        Text(ViewListStatement(days, kGroup, sort, ASPDataServer::SQLServer)));
+    EXPECT_TRUE(ado::KeepPerKeyForPostgres(by_day, {{"DateStamp"}, 6})) << sort;
+    const std::string by_hour = ado::TranslateSqlServerForPostgres(
+        Text(ViewListStatement(hours, kOwn, sort, ASPDataServer::SQLServer)));
+    EXPECT_TRUE(ado::KeepPerKeyForPostgres(by_hour, {{"DateStamp", "TimeStamp"}, 3})) << sort;
+  }
 }
 
 TEST(IsNamedSort, NamesTheDefaultsAndTheHeadersOrdersOnly) {
