@@ -15,10 +15,10 @@
 # else is contacted. Prints one table row per measurement: req/s, p50, p99, req/s as a share
 # of nginx's, the statements each request ran on the database (the mean of the server's
 # access lines for the measured requests), and the processor time the server spent on each
-# request (its user and system time over the run, from /proc, divided by the requests). wrk
-# shares the machine's processors with the server, so the latencies move with everything
-# else running; the processor time per request moves far less and is the figure to compare
-# when changing the code.
+# request (its user and system time over the run, from /proc, divided by the requests; a
+# PostgreSQL server's own processes are not counted). wrk shares the machine's processors
+# with the server, so the latencies move with everything else running; the processor time
+# per request moves far less and is the figure to compare when changing the code.
 #
 # Two switches narrow a run, e.g. to look at one request while changing the code:
 #   TIDEWELL_HTTP_LOAD_ENGINES  the engines to measure, of "SQLite PostgreSQL" (both unless set)

@@ -59,7 +59,7 @@ struct SiteConfig {
   // receive an answer).
   long idle_timeout_seconds = 30;
   long max_connections = 10000;
-  // Threads that run the component; 0 until Workers sets it, and then WorkersOf chooses.
+  // Threads that run the component, as Workers sets them; while 0, WorkersOf chooses.
   long workers = 0;
   // Origins allowed to show the pages in a frame ("https://intranet.example"); none by default.
   std::vector<std::string> frame_ancestors;
