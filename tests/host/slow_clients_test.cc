@@ -261,6 +261,55 @@ TEST_F(SlowClients, KeptAliveConnectionServesRequestsThenClosesWhenIdle) {
   EXPECT_LT(idle, seconds(4)) << "an idle kept-alive connection was not closed";
 }
 
+// A client that sends many requests at once and reads nothing for a while: the answers fill
+// its small receive buffer and the server's send buffer, so most of them cannot leave when
+// they are made and wait for the client. Once it reads, every answer arrives whole and in
+// order, and the connection stays open.
+TEST_F(SlowClients, AnswersAClientIsSlowToReadArriveWholeOnceItReads) {
+  int port = Start();
+  ASSERT_NE(port, 0) << server_->Log();
+  int fd = socket(AF_INET, SOCK_STREAM, 0);
+  ASSERT_GE(fd, 0);
+  open_.push_back(fd);
+  const int small = 2048;
+  ASSERT_EQ(setsockopt(fd, SOL_SOCKET, SO_RCVBUF, &small, sizeof small), 0);
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_port = htons(static_cast<uint16_t>(port));
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  ASSERT_EQ(connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+  constexpr int kRequests = 1000;
+  std::string requests;
+  for (int i = 0; i < kRequests; ++i) requests += "GET / HTTP/1.1\r\nHost: 127.0.0.1\r\n\r\n";
+  ASSERT_EQ(send(fd, requests.data(), requests.size(), MSG_NOSIGNAL),
+            static_cast<ssize_t>(requests.size()));
+  std::this_thread::sleep_for(seconds(1));
+
+  std::string answers;
+  auto count = [&answers](std::string_view text) {
+    size_t found = 0;
+    for (size_t at = answers.find(text); at != std::string::npos; at = answers.find(text, at + 1)) {
+      ++found;
+    }
+    return found;
+  };
+  Clock::time_point end = Clock::now() + seconds(20);
+  while (count("</html>") < kRequests && Clock::now() < end) {
+    pollfd entry{fd, POLLIN, 0};
+    if (poll(&entry, 1, 100) <= 0) continue;
+    char buffer[4096];
+    ssize_t n = recv(fd, buffer, sizeof buffer, 0);
+    if (n <= 0) break;
+    answers.append(buffer, static_cast<size_t>(n));
+  }
+  // About 4 MB of answers against a 2 KB receive buffer: more than the server's send buffer
+  // takes (4 MB at most on Linux, and far less while the client's window stays small).
+  EXPECT_GT(answers.size(), 2u * 1024 * 1024);
+  EXPECT_EQ(count("HTTP/1.1 200 OK\r\n"), static_cast<size_t>(kRequests));
+  EXPECT_EQ(count("</html>"), static_cast<size_t>(kRequests));
+  EXPECT_FALSE(ClosedByServer(fd));
+}
+
 // SIGTERM answers what was already sent before the process goes: 40 refused logins (each
 // checks an Argon2 hash, some 20 ms of work, so most are still waiting for a worker when the
 // signal comes) all get their whole answer, with "Connection: close"; connections that sent
