@@ -8,23 +8,17 @@
 
 #include "tests/accounts/account_site.h"
 #include "tests/support/golden.h"
+#include "tests/support/page_text.h"
 
 namespace tidewell {
 namespace {
 
 using testing::AccountSite;
+using testing::Between;
 using testing::Contains;
 using testing::FrameHeight;
 using testing::MatchesGolden;
 using testing::SiteVisit;
-
-// The markup between a screen's start and end comments, both included.
-std::string Between(const std::string& html, const std::string& start, const std::string& end) {
-  const size_t from = html.find(start);
-  const size_t to = html.find(end);
-  if (from == std::string::npos || to == std::string::npos) return "";
-  return html.substr(from, to + end.size() - from);
-}
 
 std::string UserHelp(const std::string& html) {
   return Between(html, "<!-- HelpScreenUser  Start -->", "<!-- HelpScreenUser End -->");

@@ -7,10 +7,12 @@
 #include "accounts/welcome_screen.h"
 #include "tests/component/site_visit.h"
 #include "tests/support/golden.h"
+#include "tests/support/page_text.h"
 
 namespace tidewell {
 namespace {
 
+using testing::Count;
 using testing::MatchesGolden;
 using testing::SiteTest;
 using testing::SiteVisit;
@@ -27,12 +29,6 @@ std::string FrameHeight(const std::string& html) {
   if (at == std::string::npos) return "";
   at += before.size();
   return html.substr(at, html.find(' ', at) - at);
-}
-
-size_t Count(const std::string& text, const std::string& piece) {
-  size_t n = 0;
-  for (size_t at = text.find(piece); at != std::string::npos; at = text.find(piece, at + 1)) ++n;
-  return n;
 }
 
 class LoginScreenPage : public SiteTest {

@@ -11,12 +11,14 @@
 
 #include "tests/accounts/account_site.h"
 #include "tests/support/golden.h"
+#include "tests/support/page_text.h"
 
 namespace tidewell {
 namespace {
 
 using testing::AccountSite;
 using testing::Contains;
+using testing::Count;
 using testing::FrameHeight;
 using testing::MatchesGolden;
 using testing::SiteVisit;
@@ -31,14 +33,6 @@ std::string UserOptions(const std::string& html) {
   const size_t start = html.rfind("\r\n<script language=javascript>", start_comment);
   if (start == std::string::npos) return "";
   return html.substr(start, end_comment + end.size() - start);
-}
-
-size_t Count(const std::string& text, const std::string& piece) {
-  size_t count = 0;
-  for (size_t at = text.find(piece); at != std::string::npos; at = text.find(piece, at + 1)) {
-    ++count;
-  }
-  return count;
 }
 
 class UserOptionsScreen : public AccountSite {

@@ -5,10 +5,12 @@
 #include "page/page.h"
 #include "tests/component/site_visit.h"
 #include "tests/support/golden.h"
+#include "tests/support/page_text.h"
 
 namespace tidewell {
 namespace {
 
+using testing::Count;
 using testing::LinkFields;
 using testing::LinkTitled;
 using testing::MatchesGolden;
@@ -97,12 +99,6 @@ std::string ButtonSection(const std::string& html) {
   size_t to = html.find("<!-- Button Section End -->");
   if (from == std::string::npos || to == std::string::npos) return "";
   return html.substr(from, to - from);
-}
-
-size_t Count(const std::string& text, const std::string& piece) {
-  size_t n = 0;
-  for (size_t at = text.find(piece); at != std::string::npos; at = text.find(piece, at + 1)) ++n;
-  return n;
 }
 
 using Header = SiteTest;

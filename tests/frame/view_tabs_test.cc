@@ -5,10 +5,12 @@
 #include "page/page.h"
 #include "tests/component/site_visit.h"
 #include "tests/support/golden.h"
+#include "tests/support/page_text.h"
 
 namespace tidewell {
 namespace {
 
+using testing::Count;
 using testing::LinkFields;
 using testing::LinkTitled;
 using testing::MatchesGolden;
@@ -77,12 +79,6 @@ TEST_F(TabMarkup, NetscapeAndOperaDrawWhatExplorerDraws) {
       EXPECT_EQ(other.PageBuffer, explorer.PageBuffer);
     }
   }
-}
-
-size_t Count(const std::string& text, const std::string& piece) {
-  size_t n = 0;
-  for (size_t at = text.find(piece); at != std::string::npos; at = text.find(piece, at + 1)) ++n;
-  return n;
 }
 
 // The tab strip of a page that went through Show.

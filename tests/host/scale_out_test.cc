@@ -21,11 +21,13 @@
 #include "tests/data/engines.h"
 #include "tests/host/server_process.h"
 #include "tests/host/site_client.h"
+#include "tests/support/page_text.h"
 #include "tests/support/seeder.h"
 
 namespace tidewell {
 namespace {
 
+using testing::Count;
 using testing::FormAction;
 using testing::LinkTitled;
 using testing::ServerProcess;
@@ -53,12 +55,6 @@ bool Accepts(int port) {
   const bool connected = connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0;
   close(fd);
   return connected;
-}
-
-size_t Count(const std::string& text, const std::string& piece) {
-  size_t n = 0;
-  for (size_t at = text.find(piece); at != std::string::npos; at = text.find(piece, at + 1)) ++n;
-  return n;
 }
 
 class ScaleOut : public ::testing::Test {

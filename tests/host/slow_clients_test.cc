@@ -22,6 +22,7 @@
 #include <thread>
 
 #include "tests/host/server_process.h"
+#include "tests/support/page_text.h"
 
 namespace tidewell {
 namespace {
@@ -286,27 +287,15 @@ TEST_F(SlowClients, AnswersAClientIsSlowToReadArriveWholeOnceItReads) {
   std::this_thread::sleep_for(seconds(1));
 
   std::string answers;
-  auto count = [&answers](std::string_view text) {
-    size_t found = 0;
-    for (size_t at = answers.find(text); at != std::string::npos; at = answers.find(text, at + 1)) {
-      ++found;
-    }
-    return found;
-  };
   Clock::time_point end = Clock::now() + seconds(20);
-  while (count("</html>") < kRequests && Clock::now() < end) {
-    pollfd entry{fd, POLLIN, 0};
-    if (poll(&entry, 1, 100) <= 0) continue;
-    char buffer[4096];
-    ssize_t n = recv(fd, buffer, sizeof buffer, 0);
-    if (n <= 0) break;
-    answers.append(buffer, static_cast<size_t>(n));
+  while (testing::Count(answers, "</html>") < kRequests && Clock::now() < end) {
+    answers += ReadUntilClosed(fd, milliseconds(100));
   }
   // About 4 MB of answers against a 2 KB receive buffer: more than the server's send buffer
   // takes (4 MB at most on Linux, and far less while the client's window stays small).
   EXPECT_GT(answers.size(), 2u * 1024 * 1024);
-  EXPECT_EQ(count("HTTP/1.1 200 OK\r\n"), static_cast<size_t>(kRequests));
-  EXPECT_EQ(count("</html>"), static_cast<size_t>(kRequests));
+  EXPECT_EQ(testing::Count(answers, "HTTP/1.1 200 OK\r\n"), static_cast<size_t>(kRequests));
+  EXPECT_EQ(testing::Count(answers, "</html>"), static_cast<size_t>(kRequests));
   EXPECT_FALSE(ClosedByServer(fd));
 }
 

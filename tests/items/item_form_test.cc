@@ -12,9 +12,9 @@ namespace tidewell {
 namespace {
 
 using testing::Between;
+using testing::Count;
 using testing::ItemForm;
 using testing::MatchesGolden;
-using testing::Occurrences;
 
 constexpr const char* kOpera = "Opera/9.80 (X11; Linux x86_64)";
 constexpr const char* kNetscape = "Mozilla/5.0 Netscape/7.1";
@@ -109,7 +109,7 @@ TEST_F(ItemFormTest, AdministratorChoosesAmongEveryUser) {
 TEST_F(ItemFormTest, MinuteTwentyIsMarkedAmongTheMinutesWhileTheQuarterHoursStayUnmarked) {
   std::string form = ItemForm(EditForm(AddBobsItem("09:20")));
   std::string minutes = Between(form, "<select class=text name=timetext >", "</select>");
-  EXPECT_EQ(Occurrences(minutes, "selected"), 1u);
+  EXPECT_EQ(Count(minutes, "selected"), 1u);
   EXPECT_NE(minutes.find("<option selected class=text value=20 >20</option>"), std::string::npos);
   EXPECT_EQ(minutes.find("<option class=text value=00 >00</option><option class=text value=15 "
                          ">15</option><option class=text value=30 >30</option><option "
@@ -130,8 +130,8 @@ TEST_F(ItemFormTest, ItemOnTheHourMarksNoMinute) {
 TEST_F(ItemFormTest, QuarterHourItemIsMarkedOnlyAmongTheMinutes) {
   std::string form = ItemForm(EditForm(AddBobsItem("09:45")));
   std::string minutes = Between(form, "<select class=text name=timetext >", "</select>");
-  EXPECT_EQ(Occurrences(minutes, "selected"), 1u);
-  EXPECT_EQ(Occurrences(minutes, "value=45 >45</option>"), 2u);
+  EXPECT_EQ(Count(minutes, "selected"), 1u);
+  EXPECT_EQ(Count(minutes, "value=45 >45</option>"), 2u);
   EXPECT_NE(minutes.find("<option selected class=text value=45 >45</option>"), std::string::npos);
   EXPECT_LT(minutes.find("<option class=text value=45 >45</option>"),
             minutes.find("<option selected class=text value=45 >45</option>"));
@@ -140,8 +140,8 @@ TEST_F(ItemFormTest, QuarterHourItemIsMarkedOnlyAmongTheMinutes) {
 TEST_F(ItemFormTest, HourSelectMarksTheItemsHourInTwentyFourHourForm) {
   std::string form = ItemForm(EditForm(AddBobsItem("17:05", 17)));
   std::string hours = Between(form, "<select class=text name=timestamp >", "</select>");
-  EXPECT_EQ(Occurrences(hours, "<option"), 24u);
-  EXPECT_EQ(Occurrences(hours, "selected"), 1u);
+  EXPECT_EQ(Count(hours, "<option"), 24u);
+  EXPECT_EQ(Count(hours, "selected"), 1u);
   EXPECT_NE(hours.find("<option selected class=text value=17 >17</option>"), std::string::npos);
   EXPECT_NE(hours.find("<option class=text value=23 >23</option></select>"), std::string::npos);
 }

@@ -13,6 +13,7 @@
 #include "tests/component/site_visit.h"
 #include "tests/support/cast.h"
 #include "tests/support/golden.h"
+#include "tests/support/page_text.h"
 #include "tests/support/seeder.h"
 
 namespace tidewell::testing {
@@ -86,27 +87,10 @@ class ItemSiteTest : public SiteTest {
   long deck_ = 0;
 };
 
-// The text from `start` up to and including `end`, or "" when the page lacks either.
-inline std::string Between(const std::string& html, const std::string& start,
-                           const std::string& end) {
-  size_t from = html.find(start);
-  if (from == std::string::npos) return "";
-  size_t to = html.find(end, from);
-  if (to == std::string::npos) return "";
-  return html.substr(from, to + end.size() - from);
-}
-
 // The item form as a page shows it: its two scripts (each opened by a CR LF) up to its end
 // comment.
 inline std::string ItemForm(const std::string& html) {
   return Between(html, "\r\n<script language=javascript>\r\n<!--", "<!-- AddModifyView End -->");
-}
-
-// How often `piece` occurs in `text`.
-inline size_t Occurrences(const std::string& text, const std::string& piece) {
-  size_t n = 0;
-  for (size_t at = text.find(piece); at != std::string::npos; at = text.find(piece, at + 1)) ++n;
-  return n;
 }
 
 }  // namespace tidewell::testing

@@ -14,6 +14,7 @@
 #include "tests/component/site_visit.h"
 #include "tests/support/cast.h"
 #include "tests/support/golden.h"
+#include "tests/support/page_text.h"
 #include "tests/support/seeder.h"
 
 namespace tidewell::testing {
@@ -78,16 +79,6 @@ class SearchSiteTest : public SiteTest {
 
   long deck_ = 0;
 };
-
-// The text from `start` up to and including `end`, or "" when the page lacks either.
-inline std::string Between(const std::string& html, const std::string& start,
-                           const std::string& end) {
-  size_t from = html.find(start);
-  if (from == std::string::npos) return "";
-  size_t to = html.find(end, from);
-  if (to == std::string::npos) return "";
-  return html.substr(from, to + end.size() - from);
-}
 
 // The search screen as a page shows it: its two scripts (each opened by a CR LF) up to its end
 // comment.

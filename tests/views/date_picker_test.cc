@@ -11,10 +11,10 @@ namespace tidewell {
 namespace {
 
 using testing::Between;
+using testing::Count;
 using testing::LinkFields;
 using testing::LinkTitled;
 using testing::MatchesGolden;
-using testing::Occurrences;
 
 constexpr const char* kNetscape = "Mozilla/5.0 Netscape/7.1";
 
@@ -67,12 +67,12 @@ TEST_F(DatePickerTest, IsWrittenAloneWithoutFrameOrClosingDivs) {
 
 TEST_F(DatePickerTest, EndDateFieldIsKeptWhilePagingBackAndForth) {
   std::string html = Picker("5/15", "12/10/2026", "1");
-  EXPECT_EQ(Occurrences(html, "window.opener.document.searchscreen['enddate'].value="), 35u);
+  EXPECT_EQ(Count(html, "window.opener.document.searchscreen['enddate'].value="), 35u);
   EXPECT_EQ(html.find("startdate"), std::string::npos);
 
   std::string earlier = Follow(LinkTitled(html, "Previous Month"));
   EXPECT_NE(earlier.find("<font color=#ffffff >November 2026</font>"), std::string::npos);
-  EXPECT_EQ(Occurrences(earlier, "window.opener.document.searchscreen['enddate'].value="), 35u);
+  EXPECT_EQ(Count(earlier, "window.opener.document.searchscreen['enddate'].value="), 35u);
   EXPECT_EQ(earlier.find("startdate"), std::string::npos);
 
   std::string later = Follow(LinkTitled(Follow(LinkTitled(earlier, "Next Month")), "Next Month"));
@@ -107,7 +107,7 @@ TEST_F(DatePickerTest, MonthStartingOnSundayHasNoLeadingGreyDays) {
             std::string("<tr bgcolor=#ffffff>").size());
   EXPECT_EQ(first_row.find("#adadad"), std::string::npos);
   // Grey days only after the 30th: December's 1 to 5.
-  EXPECT_EQ(Occurrences(html, "<font color=#adadad >"), 5u);
+  EXPECT_EQ(Count(html, "<font color=#adadad >"), 5u);
   EXPECT_LT(html.find("value='11/30/2026'"), html.find("#adadad"));
 }
 
@@ -123,7 +123,7 @@ TEST_F(DatePickerTest, MonthStartingMidweekLeadsWithThePreviousMonthsLastDays) {
 
 TEST_F(DatePickerTest, TodayIsDarkRedWhenHighlighted) {
   std::string html = Picker("5/5", "11/3/2026", "", /*highlight_today=*/true);
-  EXPECT_EQ(Occurrences(html, "#b22222"), 1u);
+  EXPECT_EQ(Count(html, "#b22222"), 1u);
   EXPECT_NE(html.find("<td align=center ><a class=datepicker href=javascript:window.opener."
                       "document.addmodify['datestamp'].value='11/21/2026';self.close(); ><font "
                       "color=#b22222 ><b>21</b></font></a></td>"),

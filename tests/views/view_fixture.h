@@ -15,6 +15,7 @@
 #include "tests/component/site_visit.h"
 #include "tests/support/cast.h"
 #include "tests/support/golden.h"
+#include "tests/support/page_text.h"
 #include "tests/support/seeder.h"
 #include "views/item_list.h"
 
@@ -95,13 +96,6 @@ class ViewTest : public SiteTest {
   long deck_ = 0;
   Page page_;
 };
-
-// How often `piece` occurs in `text`.
-inline size_t Count(const std::string& text, const std::string& piece) {
-  size_t n = 0;
-  for (size_t at = text.find(piece); at != std::string::npos; at = text.find(piece, at + 1)) ++n;
-  return n;
-}
 
 // Every href of the page, in page order (the values are not quoted).
 inline std::vector<std::string> Hrefs(const std::string& html) {

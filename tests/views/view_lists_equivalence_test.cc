@@ -75,7 +75,7 @@ struct Tally {
   long mismatches = 0;      // drawings that failed a check
 };
 
-long Occurrences(const std::string& text, const std::string& piece) {
+long Count(const std::string& text, const std::string& piece) {
   long n = 0;
   for (size_t at = text.find(piece); at != std::string::npos; at = text.find(piece, at + 1)) ++n;
   return n;
@@ -202,8 +202,8 @@ class ViewListsEquivalence : public ::testing::Test {
     if (one.error_flag) ++tally.failures;
     const testing::CalendarUser& user = calendar.users[request.user];
     if (user.show_all && user.group != 0) ++tally.group_drawings;
-    tally.item_links += Occurrences(one.html, "<a class=text href=");
-    tally.more_links += Occurrences(one.html, "nav_more.gif") + Occurrences(one.html, "[More..]");
+    tally.item_links += Count(one.html, "<a class=text href=");
+    tally.more_links += Count(one.html, "nav_more.gif") + Count(one.html, "[More..]");
     std::string seen = request.sort + "|" + request.locale;
     if (request.view == ViewKind::kWeek) seen += "|" + request.screen_argument;
     tally.seen.insert(seen);
