@@ -131,6 +131,20 @@ bool IsPlainName(std::string_view name) {
   });
 }
 
+// The list's items, each without its blanks.
+std::vector<std::vector<Token>> ListItems(const Tokens& tokens, const SelectParts& parts) {
+  std::vector<std::vector<Token>> items;
+  for (Span item : Items(tokens, parts.list)) items.push_back(Significant(tokens, item));
+  return items;
+}
+
+// A column named plainly: "Heading" or "Items.Heading".
+bool IsPlainColumn(const std::vector<Token>& term) {
+  return (term.size() == 1 && term[0].kind == TokenKind::kWord) ||
+         (term.size() == 3 && term[0].kind == TokenKind::kWord && term[1].text == "." &&
+          term[2].kind == TokenKind::kWord);
+}
+
 // A key column as the statement names it: the list's item ("Items.DateStamp") and the name
 // the rows carry it under ("DateStamp").
 struct KeyColumn {
@@ -142,10 +156,9 @@ struct KeyColumn {
 // shares a name with and the ORDER BY begins with them, ascending, in the keys' order.
 std::optional<std::vector<KeyColumn>> KeyColumnsOf(const Tokens& tokens, const SelectParts& parts,
                                                    const std::vector<std::string>& keys) {
-  std::vector<std::vector<Token>> items;
-  for (Span item : Items(tokens, parts.list)) {
-    items.push_back(Significant(tokens, item));
-    if (items.back().empty() || items.back().back().text == "*") return std::nullopt;
+  const std::vector<std::vector<Token>> items = ListItems(tokens, parts);
+  for (const std::vector<Token>& item : items) {
+    if (item.empty() || item.back().text == "*") return std::nullopt;
   }
   const std::vector<Span> order = Items(tokens, parts.order);
   if (order.size() < keys.size()) return std::nullopt;
@@ -156,9 +169,7 @@ std::optional<std::vector<KeyColumn>> KeyColumnsOf(const Tokens& tokens, const S
     std::optional<std::vector<Token>> named;
     for (const std::vector<Token>& item : items) {
       if (!IsWord(item.back(), key)) continue;
-      const bool plain = item.size() == 1 ||
-                         (item.size() == 3 && item[0].kind == TokenKind::kWord && item[1].text == ".");
-      if (named || !plain) return std::nullopt;  // two columns of that name, or an alias
+      if (named || !IsPlainColumn(item)) return std::nullopt;  // two of that name, or an alias
       named = item;
     }
     if (!named) return std::nullopt;
@@ -184,13 +195,7 @@ std::optional<std::string> OrderOfTheRows(const Tokens& tokens, const SelectPart
     if (tokens[i].text == ")" && depth > 0) --depth;
     if (depth == 0 && IsWord(tokens[i], "AS")) return std::nullopt;
   }
-  std::vector<std::vector<Token>> items;
-  for (Span item : Items(tokens, parts.list)) items.push_back(Significant(tokens, item));
-  auto plain_column = [](const std::vector<Token>& term) {
-    return (term.size() == 1 && term[0].kind == TokenKind::kWord) ||
-           (term.size() == 3 && term[0].kind == TokenKind::kWord && term[1].text == "." &&
-            term[2].kind == TokenKind::kWord);
-  };
+  const std::vector<std::vector<Token>> items = ListItems(tokens, parts);
   std::string order;
   for (Span span : Items(tokens, parts.order)) {
     std::vector<Token> term = Significant(tokens, span);
@@ -199,12 +204,12 @@ std::optional<std::string> OrderOfTheRows(const Tokens& tokens, const SelectPart
       direction = " " + std::string(term.back().text);
       term.pop_back();
     }
-    if (!plain_column(term)) return std::nullopt;
+    if (!IsPlainColumn(term)) return std::nullopt;
     const std::string name(term.back().text);
     // The list's item of that name: the same column when either names it without its table.
     size_t found = 0;
     for (const std::vector<Token>& item : items) {
-      if (!plain_column(item) || !IsWord(item.back(), name)) continue;
+      if (!IsPlainColumn(item) || !IsWord(item.back(), name)) continue;
       if (item.size() == 3 && term.size() == 3 && !SameTokens(item, term)) return std::nullopt;
       ++found;
     }
