@@ -21,13 +21,9 @@ namespace tidewell::ado {
 // key equals. The rows kept are sorted again by the statement's ORDER BY, read as the columns
 // the rows carry, so they come back in the statement's order with the statement's columns.
 //
-// Only this shape is rewritten: a SELECT without DISTINCT, GROUP BY, HAVING, LIMIT, OFFSET or
-// set operations, whose list names each key column plainly (DateStamp or Items.DateStamp,
-// no "*") and gives no item a name of its own (AS), and whose ORDER BY starts with exactly
-// those columns, ascending, in the keys' order, and otherwise names only columns the list
-// holds once, each plainly with an optional direction.
-// Anything else gives nullopt: the session runs the statement as written and passes over
-// the extra rows itself, as it does after the rewrite too.
+// Only the shape PerKeySelectOf takes apart is rewritten (per_key_select.h); anything else
+// gives nullopt: the session runs the statement as written and passes over the extra rows
+// itself, as it does after the rewrite too.
 std::optional<std::string> KeepPerKeyForPostgres(std::string_view translated,
                                                  const RowsPerKey& per_key);
 

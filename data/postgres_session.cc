@@ -220,7 +220,9 @@ class PostgresSession : public Session {
     if (!per_key) return RunTranslated(translated, {});
     if (per_key_readings_.Rewrite(translated)) {
       if (std::optional<std::string> kept = KeepPerKeyForPostgres(translated, *per_key)) {
-        return RunTranslated(*kept, {.per_key = per_key});
+        Rows rows = RunTranslated(*kept, {.per_key = per_key});
+        ++counts_.kept_per_key;
+        return rows;
       }
     }
     long long passed_over = 0;
@@ -259,7 +261,8 @@ class PostgresSession : public Session {
 
   // A statement run as the session's prepared statement for its text and parameter types,
   // prepared first when the session has none.
-  Rows ExecutePrepared(const std::string& shape, const std::vector<std::optional<std::string>>& values,
+  Rows ExecutePrepared(const std::string& shape,
+                       const std::vector<std::optional<std::string>>& values,
                        const std::vector<Oid>& types, const RowsWanted& wanted = {}) {
     std::string key = shape;
     key += '\0';
@@ -274,7 +277,8 @@ class PostgresSession : public Session {
     // columns. Outside a transaction the statement is prepared anew and run once more; inside
     // one the transaction is already failed, so the error stands.
     const char* sqlstate = result ? PQresultErrorField(result.get(), PG_DIAG_SQLSTATE) : nullptr;
-    const char* message = result ? PQresultErrorField(result.get(), PG_DIAG_MESSAGE_PRIMARY) : nullptr;
+    const char* message =
+        result ? PQresultErrorField(result.get(), PG_DIAG_MESSAGE_PRIMARY) : nullptr;
     const std::string_view state = sqlstate ? sqlstate : "";
     const bool gone = state == "26000";
     const bool reshaped = state == "0A000" && message &&
@@ -323,7 +327,8 @@ class PostgresSession : public Session {
     prepared_.erase(found);
   }
 
-  static std::vector<const char*> PointersTo(const std::vector<std::optional<std::string>>& values) {
+  static std::vector<const char*> PointersTo(
+      const std::vector<std::optional<std::string>>& values) {
     std::vector<const char*> pointers;
     pointers.reserve(values.size());
     for (const auto& value : values) pointers.push_back(value ? value->c_str() : nullptr);
@@ -388,7 +393,7 @@ class PostgresSession : public Session {
     std::list<std::string>::iterator position;  // in recent_
   };
   std::unordered_map<std::string, PreparedStatement> prepared_;  // by shape and types
-  std::list<std::string> recent_;  // keys, most recently used first
+  std::list<std::string> recent_;                                // keys, most recently used first
   long long last_name_ = 0;
   PerKeyReadings per_key_readings_;
   StatementCounts counts_;

@@ -28,6 +28,8 @@ class KeyRuns {
   // Whether the next row, whose key columns read `key` (their texts, each ended by
   // NextKeyPart), is kept: false once its run has `rows` rows already.
   bool Keep(const std::string& key);
+  // How many rows of the current run were not kept so far.
+  long PassedOverInRun() const { return run_rows_ > rows_ ? run_rows_ - rows_ : 0; }
 
   // Adds one key column's text (null as no text at all) to `key`.
   static void NextKeyPart(std::string& key, const char* text, size_t size);

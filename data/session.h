@@ -31,6 +31,9 @@ struct Rows {
 struct StatementCounts {
   long long prepared = 0;
   long long run = 0;
+  // Runs of a statement that keeps the first rows of each key which the engine kept itself
+  // (rewritten for crowded keys) rather than the session passing over the rest.
+  long long kept_per_key = 0;
 };
 
 // One open conversation with a database engine: what a provider offers the Connection and

@@ -8,10 +8,10 @@
 #include <algorithm>
 #include <cctype>
 #include <cerrno>
+#include <chrono>
 #include <cstring>
 #include <limits>
 #include <list>
-#include <chrono>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -22,6 +22,7 @@
 #include "data/dialect_translation.h"
 #include "data/iso_dates.h"
 #include "data/rows_per_key.h"
+#include "data/sqlite_rows_per_key.h"
 
 namespace tidewell::ado {
 namespace {
@@ -120,6 +121,31 @@ void AppendKeyPart(std::string& key, sqlite3_stmt* stmt, int column) {
   }
 }
 
+// The columns' values as the table stores them, to bind them back unchanged: a whole number
+// as a whole number, a text as a text.
+std::vector<Variant> StoredValues(sqlite3_stmt* stmt, const std::vector<int>& columns) {
+  std::vector<Variant> values;
+  for (int column : columns) {
+    switch (sqlite3_column_type(stmt, column)) {
+      case SQLITE_NULL:
+        values.emplace_back(Null{});
+        break;
+      case SQLITE_INTEGER:
+        values.emplace_back(static_cast<long>(sqlite3_column_int64(stmt, column)));
+        break;
+      case SQLITE_FLOAT:
+        values.emplace_back(sqlite3_column_double(stmt, column));
+        break;
+      default: {
+        const char* text = reinterpret_cast<const char*>(sqlite3_column_text(stmt, column));
+        values.emplace_back(
+            std::string(text ? text : "", static_cast<size_t>(sqlite3_column_bytes(stmt, column))));
+      }
+    }
+  }
+  return values;
+}
+
 // The file a session has open, to notice when the path names another file (or none) by the
 // time the session would go back to the pool.
 struct FileIdentity {
@@ -149,6 +175,13 @@ std::timed_mutex& WriterTurnOf(const std::string& path) {
   if (!turn) turn = std::make_unique<std::timed_mutex>();
   return *turn;
 }
+
+// How a session reads a statement's rows.
+struct Reading {
+  std::optional<long> row_limit;               // at most this many (the "TOP n" of the statement)
+  const RowsPerKey* per_key = nullptr;         // only the first rows of each key when given
+  std::vector<CrowdedKey>* crowded = nullptr;  // the keys per_key passed over many rows of
+};
 
 class SqliteSession : public Session {
  public:
@@ -298,24 +331,53 @@ class SqliteSession : public Session {
     return columns_[stmt] = std::move(described);
   }
 
-  Rows RunTranslated(std::string_view statement, const RowsPerKey* per_key) {
+  // The translation of an Access text, kept once it prepared well.
+  const SqliteStatement& Translation(std::string_view statement) {
     if (auto found = translations_.find(statement); found != translations_.end()) {
-      const SqliteStatement& known = found->second;
-      return Step(Prepared(known.text), known.values, known.row_limit, per_key);
+      return found->second;
     }
     SqliteStatement translated = ParameterizedAccessForSqlite(
         statement, [this](std::string_view column) { return IsDateColumn(column); });
-    sqlite3_stmt* stmt = Prepared(translated.text);
+    Prepared(translated.text);
     if (translations_.size() >= kTranslationCacheSize) translations_.clear();
-    const SqliteStatement& kept =
-        translations_.emplace(std::string(statement), std::move(translated)).first->second;
-    return Step(stmt, kept.values, kept.row_limit, per_key);
+    return translations_.emplace(std::string(statement), std::move(translated)).first->second;
   }
 
-  // Runs the statement and reads its rows, at most `row_limit` of them (the "TOP n" of the
-  // statement's text) and of those only the ones `per_key` keeps.
-  Rows Step(sqlite3_stmt* stmt, const std::vector<Variant>& values,
-            std::optional<long> row_limit = std::nullopt, const RowsPerKey* per_key = nullptr) {
+  Rows RunTranslated(std::string_view statement, const RowsPerKey* per_key) {
+    const SqliteStatement& known = Translation(statement);
+    if (per_key) return RunPerKey(statement, known, *per_key);
+    return Step(Prepared(known.text), known.values, {.row_limit = known.row_limit});
+  }
+
+  // A statement that keeps the first rows of each key has SQLite keep them itself for the keys
+  // that were crowded (CrowdedKeyReadings): sorting every row of a crowded day, for the
+  // session to pass over all but a few, cost a page more than all the rest of it.
+  Rows RunPerKey(std::string_view statement, const SqliteStatement& known,
+                 const RowsPerKey& per_key) {
+    std::vector<CrowdedKey> found;
+    Reading reading{.row_limit = known.row_limit, .per_key = &per_key, .crowded = &found};
+    const std::vector<CrowdedKey>* crowded = crowded_keys_.ForRun(statement, per_key);
+    std::optional<std::string> kept;
+    if (crowded) {
+      kept = KeepPerKeyForSqlite(known.text, per_key, known.values.size(), crowded->size());
+    }
+    if (!kept) {
+      Rows rows = Step(Prepared(known.text), known.values, reading);
+      crowded_keys_.Found(statement, per_key, /*ran_as_written=*/true, std::move(found));
+      return rows;
+    }
+    std::vector<Variant> values = known.values;
+    for (const CrowdedKey& key : *crowded) {
+      values.insert(values.end(), key.values.begin(), key.values.end());
+    }
+    Rows rows = Step(Prepared(*kept), values, reading);
+    ++counts_.kept_per_key;
+    crowded_keys_.Found(statement, per_key, /*ran_as_written=*/false, std::move(found));
+    return rows;
+  }
+
+  // Runs the statement and reads its rows as `reading` says.
+  Rows Step(sqlite3_stmt* stmt, const std::vector<Variant>& values, const Reading& reading = {}) {
     if (!sqlite3_stmt_readonly(stmt)) TakeWriterTurn();
     struct ResetOnExit {
       SqliteSession* session;
@@ -333,9 +395,10 @@ class SqliteSession : public Session {
     rows.names = described.names;
     rows.kinds = described.kinds;
     const int columns = static_cast<int>(rows.names.size());
+    const std::optional<long> row_limit = reading.row_limit;
     if (row_limit) rows.values.reserve(static_cast<size_t>(std::clamp(*row_limit, 0L, 64L)));
     std::optional<KeyRuns> runs;
-    if (per_key) runs.emplace(*per_key, rows.names);
+    if (reading.per_key) runs.emplace(*reading.per_key, rows.names);
     std::string key;
     int code = SQLITE_DONE;
     while ((!row_limit || static_cast<long>(rows.values.size()) < *row_limit) &&
@@ -343,7 +406,12 @@ class SqliteSession : public Session {
       if (runs) {
         key.clear();
         for (int c : runs->key_columns()) AppendKeyPart(key, stmt, c);
-        if (!runs->Keep(key)) continue;
+        if (!runs->Keep(key)) {
+          if (reading.crowded && runs->PassedOverInRun() == CrowdedKeyReadings::kCrowded) {
+            reading.crowded->push_back({key, StoredValues(stmt, runs->key_columns())});
+          }
+          continue;
+        }
       }
       std::vector<Variant>& row = rows.values.emplace_back();
       row.reserve(static_cast<size_t>(columns));
@@ -392,7 +460,6 @@ class SqliteSession : public Session {
     }
   }
 
-
   sqlite3* db_;
   std::string path_;
   std::optional<FileIdentity> file_;
@@ -411,6 +478,7 @@ class SqliteSession : public Session {
   std::unordered_map<sqlite3_stmt*, Columns> columns_;
   std::unordered_map<std::string, SqliteStatement, TextHash, std::equal_to<>> translations_;
   std::map<std::string, bool> date_columns_;
+  CrowdedKeyReadings crowded_keys_;
   long schema_version_ = -1;
   StatementCounts counts_;
 };

@@ -78,8 +78,7 @@ TEST_F(PostgresPool, AUrisOwnParametersWinOverOurDefaults) {
   const std::string connection_string =
       prefix + "postgresql://?application_name=fromuri&connect_timeout=7;" +
       engine_.connection_string.substr(prefix.size());
-  EXPECT_EQ(ValueOf(connection_string, "SELECT current_setting('application_name')"),
-            "fromuri");
+  EXPECT_EQ(ValueOf(connection_string, "SELECT current_setting('application_name')"), "fromuri");
   EXPECT_EQ(ValueOf(engine_.connection_string, "SELECT current_setting('application_name')"),
             "tidewell");
 }
@@ -111,7 +110,8 @@ TEST_F(PostgresPool, AStatementOfOneShapeIsPreparedOnceAndRunWithEachValue) {
 
 TEST_F(PostgresPool, PreparedDatesAndNumbersFailAsTheirLiteralsDid) {
   std::unique_ptr<ado::Session> session = OwnSession(engine_.connection_string);
-  EXPECT_TRUE(session->Run("SELECT ItemID FROM Items WHERE DateStamp = '11/3/2026'").values.empty());
+  EXPECT_TRUE(
+      session->Run("SELECT ItemID FROM Items WHERE DateStamp = '11/3/2026'").values.empty());
   try {
     session->Run("SELECT ItemID FROM Items WHERE DateStamp = 'soon'");
     ADD_FAILURE() << "a date column compared with text that is no date ran";

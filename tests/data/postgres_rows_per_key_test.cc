@@ -43,7 +43,8 @@ TEST(KeepPerKeyForPostgres, TwoKeysWithoutAConditionAndAQualifiedKey) {
 }
 
 TEST(KeepPerKeyForPostgres, ANegativeCountLimitsToNone) {
-  const std::optional<std::string> text = KeepPerKeyForPostgres(kViewStatement, {{"DateStamp"}, -3});
+  const std::optional<std::string> text =
+      KeepPerKeyForPostgres(kViewStatement, {{"DateStamp"}, -3});
   ASSERT_TRUE(text);
   EXPECT_NE(text->find(" LIMIT 0)"), std::string::npos);
 }
@@ -55,14 +56,19 @@ TEST(KeepPerKeyForPostgres, LeavesOtherShapesAlone) {
   };
   const RowsPerKey by_day{{"DateStamp"}, 3};
   EXPECT_TRUE(unchanged("SELECT DateStamp FROM Items", by_day));  // no order
-  EXPECT_TRUE(unchanged("SELECT DateStamp, Heading FROM Items ORDER BY Heading, DateStamp", by_day));
+  EXPECT_TRUE(
+      unchanged("SELECT DateStamp, Heading FROM Items ORDER BY Heading, DateStamp", by_day));
   EXPECT_TRUE(unchanged("SELECT DateStamp FROM Items ORDER BY DateStamp DESC", by_day));
   EXPECT_TRUE(unchanged("SELECT DISTINCT DateStamp FROM Items ORDER BY DateStamp", by_day));
   EXPECT_TRUE(unchanged("SELECT DateStamp FROM Items ORDER BY DateStamp LIMIT 6", by_day));
-  EXPECT_TRUE(unchanged("SELECT DateStamp, COUNT(*) FROM Items GROUP BY DateStamp ORDER BY "
-                        "DateStamp", by_day));
-  EXPECT_TRUE(unchanged("SELECT DateStamp FROM Items UNION ALL SELECT DateStamp FROM Items "
-                        "ORDER BY DateStamp", by_day));
+  EXPECT_TRUE(
+      unchanged("SELECT DateStamp, COUNT(*) FROM Items GROUP BY DateStamp ORDER BY "
+                "DateStamp",
+                by_day));
+  EXPECT_TRUE(
+      unchanged("SELECT DateStamp FROM Items UNION ALL SELECT DateStamp FROM Items "
+                "ORDER BY DateStamp",
+                by_day));
   EXPECT_TRUE(unchanged("SELECT * FROM Items ORDER BY DateStamp", by_day));
   EXPECT_TRUE(unchanged("SELECT Items.* FROM Items ORDER BY DateStamp", by_day));
   EXPECT_TRUE(unchanged("SELECT ItemID AS DateStamp FROM Items ORDER BY DateStamp", by_day));
@@ -70,16 +76,22 @@ TEST(KeepPerKeyForPostgres, LeavesOtherShapesAlone) {
   // one of them, named plainly, and the list must name its items as the tables do.
   EXPECT_TRUE(unchanged("SELECT DateStamp, Heading FROM Items ORDER BY DateStamp, 2", by_day));
   EXPECT_TRUE(unchanged("SELECT DateStamp, Heading AS h FROM Items ORDER BY DateStamp, h", by_day));
-  EXPECT_TRUE(unchanged("SELECT DateStamp, Heading FROM Items ORDER BY DateStamp, UserName",
-                        by_day));
-  EXPECT_TRUE(unchanged("SELECT DateStamp, Heading FROM Items ORDER BY DateStamp, lower(Heading)",
-                        by_day));
-  EXPECT_TRUE(unchanged("SELECT DateStamp, Heading FROM Items ORDER BY DateStamp, Heading NULLS "
-                        "FIRST", by_day));
-  EXPECT_TRUE(unchanged("SELECT DateStamp, Items.Heading FROM Items ORDER BY DateStamp, "
-                        "Users.Heading", by_day));
-  EXPECT_TRUE(unchanged("SELECT DateStamp, Items.Heading, Users.Heading FROM Items ORDER BY "
-                        "DateStamp, Heading", by_day));
+  EXPECT_TRUE(
+      unchanged("SELECT DateStamp, Heading FROM Items ORDER BY DateStamp, UserName", by_day));
+  EXPECT_TRUE(
+      unchanged("SELECT DateStamp, Heading FROM Items ORDER BY DateStamp, lower(Heading)", by_day));
+  EXPECT_TRUE(
+      unchanged("SELECT DateStamp, Heading FROM Items ORDER BY DateStamp, Heading NULLS "
+                "FIRST",
+                by_day));
+  EXPECT_TRUE(
+      unchanged("SELECT DateStamp, Items.Heading FROM Items ORDER BY DateStamp, "
+                "Users.Heading",
+                by_day));
+  EXPECT_TRUE(
+      unchanged("SELECT DateStamp, Items.Heading, Users.Heading FROM Items ORDER BY "
+                "DateStamp, Heading",
+                by_day));
   EXPECT_TRUE(unchanged("SELECT DateStamp, Users.DateStamp FROM Items ORDER BY DateStamp", by_day));
   EXPECT_TRUE(unchanged("SELECT Heading FROM Items ORDER BY DateStamp", by_day));  // not listed
   EXPECT_TRUE(unchanged("UPDATE Items SET Heading = 'x'", by_day));

@@ -47,8 +47,8 @@ TEST(ShapePostgresStatement, QuotedDatesStayTextForTheEngineToRead) {
 }
 
 TEST(ShapePostgresStatement, LikePatternsKeepTheirWildcards) {
-  PostgresStatement s =
-      ShapePostgresStatement("SELECT * FROM Items WHERE Heading LIKE '%tide_%' OR Heading LIKE 'x'");
+  PostgresStatement s = ShapePostgresStatement(
+      "SELECT * FROM Items WHERE Heading LIKE '%tide_%' OR Heading LIKE 'x'");
   EXPECT_EQ(s.shape, "SELECT * FROM Items WHERE Heading LIKE $1 OR Heading LIKE $2");
   EXPECT_EQ(Parameters(s), (Values{"%tide_%:u", "x:u"}));
 }
@@ -97,16 +97,16 @@ TEST(ShapePostgresStatement, TypedLiteralsStay) {
 }
 
 TEST(ShapePostgresStatement, TextThatLooksLikeStatementTextIsOneValue) {
-  PostgresStatement s =
-      ShapePostgresStatement("UPDATE Groups SET GroupName = 'a = 1 -- ORDER BY 2' WHERE GroupID = 3");
+  PostgresStatement s = ShapePostgresStatement(
+      "UPDATE Groups SET GroupName = 'a = 1 -- ORDER BY 2' WHERE GroupID = 3");
   EXPECT_EQ(s.shape, "UPDATE Groups SET GroupName = $1 WHERE GroupID = $2");
   EXPECT_EQ(Parameters(s), (Values{"a = 1 -- ORDER BY 2:u", "3:i"}));
 }
 
 TEST(ShapePostgresStatement, OtherStatementsAndOwnPlaceholdersRunAsWritten) {
-  for (const char* text : {"BEGIN", "CREATE TABLE t (a varchar(20) DEFAULT 'x')",
-                           "SET DateStyle = 'ISO, MDY'",
-                           "SELECT a FROM t WHERE b = $1 AND c = 'x'"}) {
+  for (const char* text :
+       {"BEGIN", "CREATE TABLE t (a varchar(20) DEFAULT 'x')", "SET DateStyle = 'ISO, MDY'",
+        "SELECT a FROM t WHERE b = $1 AND c = 'x'"}) {
     PostgresStatement s = ShapePostgresStatement(text);
     EXPECT_FALSE(s.preparable) << text;
     EXPECT_EQ(s.shape, text);

@@ -115,18 +115,21 @@ TYPED_TEST(SchemaVersions, MigrateFromVersionTwoAddsTheFeedTokensTable) {
 
   MigrationReport report = MigrateSchema(this->engine_.connection_string);
   EXPECT_EQ(report.from, 2);
-  EXPECT_EQ(report.steps.front(), "schema version 2 → 3: added TidewellFeedTokens (each "
-                                  "account's private feed address) and TidewellImportedEvents "
-                                  "(the events `tidewell import` made items of)");
+  EXPECT_EQ(report.steps.front(),
+            "schema version 2 → 3: added TidewellFeedTokens (each "
+            "account's private feed address) and TidewellImportedEvents "
+            "(the events `tidewell import` made items of)");
   this->connection_.Open(this->engine_.connection_string);
   EXPECT_EQ(this->RecordedVersion(), "4");
-  this->Run("INSERT INTO TidewellFeedTokens (OwnerKey, Token, CreatedAt, BodyChangedAt) "
-            "VALUES ('k1', '0123456789abcdef0123456789abcdef', 1, 1)");
+  this->Run(
+      "INSERT INTO TidewellFeedTokens (OwnerKey, Token, CreatedAt, BodyChangedAt) "
+      "VALUES ('k1', '0123456789abcdef0123456789abcdef', 1, 1)");
   EXPECT_EQ(this->Count("SELECT COUNT(*) FROM TidewellFeedTokens WHERE BodyHash = ''"), 1);
-  for (const char* clash : {"INSERT INTO TidewellFeedTokens (OwnerKey, Token, CreatedAt, "
-                            "BodyChangedAt) VALUES ('k2', '0123456789abcdef0123456789abcdef', 1, 1)",
-                            "INSERT INTO TidewellFeedTokens (OwnerKey, Token, CreatedAt, "
-                            "BodyChangedAt) VALUES ('k1', 'ffffffffffffffffffffffffffffffff', 1, 1)"}) {
+  for (const char* clash :
+       {"INSERT INTO TidewellFeedTokens (OwnerKey, Token, CreatedAt, "
+        "BodyChangedAt) VALUES ('k2', '0123456789abcdef0123456789abcdef', 1, 1)",
+        "INSERT INTO TidewellFeedTokens (OwnerKey, Token, CreatedAt, "
+        "BodyChangedAt) VALUES ('k1', 'ffffffffffffffffffffffffffffffff', 1, 1)"}) {
     try {
       this->Run(clash);
       ADD_FAILURE() << "stored: " << clash;

@@ -124,6 +124,10 @@ inline Item RandomItem(std::mt19937& random, const std::vector<CalendarUser>& us
           .complete = Chance(random, 0.25)};
 }
 
+// Items in the thronged hour of every fifth calendar: enough for both engines to count the
+// hour's day and the hour itself as crowded.
+constexpr int kThrongedHourItems = 320;
+
 // `count` items in one hour, alike in every sorted column half of the time, so that only
 // ItemID tells them apart.
 inline void AddCrowdedHour(std::vector<Item>& items, std::mt19937& random,
@@ -189,6 +193,11 @@ inline RandomCalendar SeedRandomCalendar(Seeder& data, int seed, Date focus) {
                  Between(random, 2, 6));
   // A crowded day on the focus itself, so that its month cell and week row are always full.
   AddCrowdedHour(items, random, users, focus, Between(random, 6, 20), Between(random, 4, 9));
+  // Every fifth calendar has an hour of the focus with hundreds of items: the engines then
+  // keep each cell's first rows themselves once they have seen the day crowded.
+  if (seed % 5 == 0) {
+    AddCrowdedHour(items, random, users, focus, Between(random, 8, 18), kThrongedHourItems);
+  }
 
   data.AddItems(items);
   calendar.items = items.size();

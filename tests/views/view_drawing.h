@@ -63,6 +63,7 @@ struct Drawing {
   std::string error_text;
   long screen = 0;
   long long statements_run = 0;  // by the page's connection while the view drew
+  long long kept_per_key = 0;    // of those, runs in which the engine kept each cell's rows
 };
 
 inline std::string DateTextOf(Date day) {
@@ -104,9 +105,10 @@ inline std::string FirstDifference(const std::string& a, const std::string& b) {
          b.substr(from, at - from + 240) + "...";
 }
 
-// What the connection's session has run so far; nothing for a closed connection.
-inline long long StatementsRunBy(ado::Connection& connection) {
-  return connection.State() == ado::adStateOpen ? connection.session().Counts().run : 0;
+// What the connection's session has counted so far; nothing for a closed connection.
+inline ado::StatementCounts CountsOf(ado::Connection& connection) {
+  return connection.State() == ado::adStateOpen ? connection.session().Counts()
+                                                : ado::StatementCounts{};
 }
 
 // Draws the view of `request` for the calendar's user on a fresh page (the group scope is kept
@@ -146,7 +148,7 @@ inline Drawing DrawView(const RandomCalendar& calendar, const ViewRequest& reque
   page.User.ShowAllGroupUsers = user.show_all;
   page.Connection = connection;
 
-  const long long run_before = StatementsRunBy(*connection);
+  const ado::StatementCounts before = CountsOf(*connection);
   AppendFrameOpening(page);
   switch (request.view) {
     case ViewKind::kMonth:
@@ -164,7 +166,8 @@ inline Drawing DrawView(const RandomCalendar& calendar, const ViewRequest& reque
           .error_kind = page.Error.Kind,
           .error_text = page.Error.Text,
           .screen = page.Screen,
-          .statements_run = StatementsRunBy(*connection) - run_before};
+          .statements_run = CountsOf(*connection).run - before.run,
+          .kept_per_key = CountsOf(*connection).kept_per_key - before.kept_per_key};
 }
 
 }  // namespace tidewell::testing
