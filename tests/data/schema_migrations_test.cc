@@ -52,6 +52,27 @@ TYPED_TEST(SchemaVersions, ANewDatabaseRecordsTheCurrentVersion) {
   EXPECT_EQ(ReadSchemaVersion(this->connection_), kSchemaVersion);
 }
 
+// On SQLite the items' index on owner and date holds the day lists' columns; PostgreSQL keeps
+// the narrow one (a heading may be longer than an index entry may be).
+TYPED_TEST(SchemaVersions, TheItemsAreIndexedByOwnerAndDateForTheEngine) {
+  const bool sqlite = TypeParam::kDialect == ASPDataServer::Access;
+  const char* indexes = sqlite ? "SELECT COUNT(*) FROM sqlite_master WHERE type = 'index' AND "
+                                 "name = 'Items_OwnerKey_DateStamp_Lists'"
+                               : "SELECT COUNT(*) FROM pg_indexes WHERE "
+                                 "indexname = 'items_ownerkey_datestamp'";
+  EXPECT_EQ(this->Count(indexes), 1);
+  testing::RemakeAsVersionOne(this->connection_);
+  this->connection_.Close();
+  MigrateSchema(this->engine_.connection_string);
+  this->connection_.Open(this->engine_.connection_string);
+  EXPECT_EQ(this->Count(indexes), 1);
+  if (sqlite) {
+    EXPECT_EQ(this->Count("SELECT COUNT(*) FROM sqlite_master WHERE type = 'index' AND name LIKE "
+                          "'Items_OwnerKey%' AND name <> 'Items_OwnerKey_DateStamp_Lists'"),
+              0);
+  }
+}
+
 TYPED_TEST(SchemaVersions, VersionOneTablesWithoutARecordReadAsVersionOne) {
   testing::RemakeAsVersionOne(this->connection_);
   EXPECT_EQ(this->RecordedVersion(), "");
@@ -82,7 +103,7 @@ TYPED_TEST(SchemaVersions, MigrateTakesVersionOneToTheCurrentOneKeepingTheDataTh
 
   MigrationReport first = MigrateSchema(this->engine_.connection_string);
   EXPECT_EQ(first.from, 1);
-  EXPECT_EQ(first.to, 4);
+  EXPECT_EQ(first.to, 5);
   EXPECT_EQ(first.steps,
             (std::vector<std::string>{
                 "schema version 1 → 2: the database records its schema version in "
@@ -91,16 +112,18 @@ TYPED_TEST(SchemaVersions, MigrateTakesVersionOneToTheCurrentOneKeepingTheDataTh
                 "address) and TidewellImportedEvents (the events `tidewell import` made items "
                 "of)",
                 "schema version 3 → 4: the items' index on their owner also holds their date "
-                "(Items_OwnerKey_DateStamp)"}));
+                "(Items_OwnerKey_DateStamp)",
+                "schema version 4 → 5: on SQLite, the items' index on owner and date also holds "
+                "what the day lists show (Items_OwnerKey_DateStamp_Lists)"}));
   EXPECT_EQ(first.warning, "");
 
   MigrationReport second = MigrateSchema(this->engine_.connection_string);
-  EXPECT_EQ(second.from, 4);
+  EXPECT_EQ(second.from, 5);
   EXPECT_TRUE(second.steps.empty());
   EXPECT_EQ(second.warning, "");
 
   this->connection_.Open(this->engine_.connection_string);
-  EXPECT_EQ(this->RecordedVersion(), "4");
+  EXPECT_EQ(this->RecordedVersion(), "5");
   EXPECT_EQ(this->Count("SELECT COUNT(*) FROM TidewellSettings WHERE Name = 'SchemaVersion'"), 1);
   EXPECT_EQ(this->Count("SELECT COUNT(*) FROM Users"), 1);
   EXPECT_EQ(this->Count("SELECT COUNT(*) FROM Items"), 1);
@@ -120,7 +143,7 @@ TYPED_TEST(SchemaVersions, MigrateFromVersionTwoAddsTheFeedTokensTable) {
             "account's private feed address) and TidewellImportedEvents "
             "(the events `tidewell import` made items of)");
   this->connection_.Open(this->engine_.connection_string);
-  EXPECT_EQ(this->RecordedVersion(), "4");
+  EXPECT_EQ(this->RecordedVersion(), "5");
   this->Run(
       "INSERT INTO TidewellFeedTokens (OwnerKey, Token, CreatedAt, BodyChangedAt) "
       "VALUES ('k1', '0123456789abcdef0123456789abcdef', 1, 1)");
@@ -150,14 +173,15 @@ TYPED_TEST(SchemaVersions, MigrateTakesVersionZeroThroughEveryStep) {
 
   MigrationReport report = MigrateSchema(this->engine_.connection_string);
   EXPECT_EQ(report.from, 0);
-  ASSERT_EQ(report.steps.size(), 4u);
+  ASSERT_EQ(report.steps.size(), 5u);
   EXPECT_EQ(report.steps[0].rfind("schema version 0 → 1: added the site's own tables", 0), 0u)
       << report.steps[0];
   EXPECT_EQ(report.steps[1].rfind("schema version 1 → 2: ", 0), 0u) << report.steps[1];
   EXPECT_EQ(report.steps[2].rfind("schema version 2 → 3: ", 0), 0u) << report.steps[2];
   EXPECT_EQ(report.steps[3].rfind("schema version 3 → 4: ", 0), 0u) << report.steps[3];
+  EXPECT_EQ(report.steps[4].rfind("schema version 4 → 5: ", 0), 0u) << report.steps[4];
   this->connection_.Open(this->engine_.connection_string);
-  EXPECT_EQ(this->RecordedVersion(), "4");
+  EXPECT_EQ(this->RecordedVersion(), "5");
   EXPECT_TRUE(this->connection_.TableExists("LoginFailures"));
   EXPECT_TRUE(this->connection_.TableExists("TidewellFeedTokens"));
   this->connection_.Close();
@@ -182,18 +206,18 @@ TYPED_TEST(SchemaVersions, AFailingStepRollsTheWholeMigrationBack) {
 }
 
 TYPED_TEST(SchemaVersions, MigrateRefusesADatabaseANewerTidewellUpgraded) {
-  this->Run("UPDATE TidewellSettings SET Value = '5' WHERE Name = 'SchemaVersion'");
+  this->Run("UPDATE TidewellSettings SET Value = '6' WHERE Name = 'SchemaVersion'");
   this->connection_.Close();
   try {
     MigrateSchema(this->engine_.connection_string);
-    ADD_FAILURE() << "a version 5 database was migrated";
+    ADD_FAILURE() << "a version 6 database was migrated";
   } catch (const SchemaError& error) {
     EXPECT_EQ(std::string(error.what()),
-              "The database was upgraded by a newer tidewell (version 5); this one knows up to "
-              "4: run the newer tidewell.");
+              "The database was upgraded by a newer tidewell (version 6); this one knows up to "
+              "5: run the newer tidewell.");
   }
   this->connection_.Open(this->engine_.connection_string);
-  EXPECT_EQ(this->RecordedVersion(), "5");
+  EXPECT_EQ(this->RecordedVersion(), "6");
 }
 
 // The rest of the migration still comes, so that the administrator can sign in and rename;
@@ -207,17 +231,17 @@ TYPED_TEST(SchemaVersions, MigrateNamesAccountsThatShareANameAndMakesNamesUnique
   this->connection_.Close();
 
   MigrationReport report = MigrateSchema(this->engine_.connection_string);
-  EXPECT_EQ(report.to, 4);
+  EXPECT_EQ(report.to, 5);
   EXPECT_NE(report.warning.find("more than one account is named \""), std::string::npos)
       << report.warning;
   EXPECT_EQ(SharedNamesWarning(this->engine_.connection_string), report.warning);
   this->connection_.Open(this->engine_.connection_string);
-  EXPECT_EQ(this->RecordedVersion(), "4");
+  EXPECT_EQ(this->RecordedVersion(), "5");
 
   this->Run("UPDATE Users SET Username = 'Bobby' WHERE OwnerKey = 'k2'");
   this->connection_.Close();
   MigrationReport again = MigrateSchema(this->engine_.connection_string);
-  EXPECT_EQ(again.steps, std::vector<std::string>{"schema version 4: made user names unique"});
+  EXPECT_EQ(again.steps, std::vector<std::string>{"schema version 5: made user names unique"});
   EXPECT_EQ(again.warning, "");
   EXPECT_EQ(SharedNamesWarning(this->engine_.connection_string), "");
   this->connection_.Open(this->engine_.connection_string);

@@ -21,7 +21,7 @@ TEST(InitDb, CreatesTheTablesOnceAndThenRefuses) {
   EXPECT_EQ(first.out,
             "tidewell init-db: created the tables Groups, Users and Items, and the site's own "
             "TidewellSettings (with a new link secret), LoginFailures, TidewellFeedTokens and "
-            "TidewellImportedEvents, at schema version 4\n");
+            "TidewellImportedEvents, at schema version 5\n");
   CommandResult second = RunTidewell("init-db " + connection);
   EXPECT_EQ(second.status, 1);
   EXPECT_NE(second.out.find("Nothing was changed."), std::string::npos) << second.out;

@@ -77,7 +77,7 @@ TYPED_TEST_SUITE(SchemaVersionServer, testing::Engines, testing::EngineNames);
 TYPED_TEST(SchemaVersionServer, ServeRefusesAnOlderDatabaseAndNamesTheMigration) {
   this->MakeVersionOneSite();
   const std::string log = this->ServeExpectingRefusal();
-  EXPECT_NE(log.find("tidewell serve: the database has schema version 1, this tidewell needs 4: "
+  EXPECT_NE(log.find("tidewell serve: the database has schema version 1, this tidewell needs 5: "
                      "run `tidewell migrate --config " +
                      this->config_ + "`\n"),
             std::string::npos)
@@ -86,15 +86,15 @@ TYPED_TEST(SchemaVersionServer, ServeRefusesAnOlderDatabaseAndNamesTheMigration)
 }
 
 TYPED_TEST(SchemaVersionServer, ServeAndRenderRefuseADatabaseANewerTidewellUpgraded) {
-  this->Run("UPDATE TidewellSettings SET Value = '5' WHERE Name = 'SchemaVersion'");
+  this->Run("UPDATE TidewellSettings SET Value = '6' WHERE Name = 'SchemaVersion'");
   const std::string log = this->ServeExpectingRefusal();
-  EXPECT_NE(log.find("tidewell serve: the database was upgraded by a newer tidewell (version 5); "
-                     "this one knows up to 4: run the newer tidewell\n"),
+  EXPECT_NE(log.find("tidewell serve: the database was upgraded by a newer tidewell (version 6); "
+                     "this one knows up to 5: run the newer tidewell\n"),
             std::string::npos)
       << log;
   CommandResult render = RunTidewell("render --config " + this->config_);
   EXPECT_EQ(render.status, 1);
-  EXPECT_NE(render.out.find("upgraded by a newer tidewell (version 5)"), std::string::npos)
+  EXPECT_NE(render.out.find("upgraded by a newer tidewell (version 6)"), std::string::npos)
       << render.out;
 }
 
@@ -109,11 +109,13 @@ TYPED_TEST(SchemaVersionServer, MigrateOnceThenTheSiteIsServedWithItsAccountsAnd
             "private feed address) and TidewellImportedEvents (the events `tidewell import` "
             "made items of)\n"
             "tidewell migrate: schema version 3 → 4: the items' index on their owner also holds "
-            "their date (Items_OwnerKey_DateStamp)\n");
+            "their date (Items_OwnerKey_DateStamp)\n"
+            "tidewell migrate: schema version 4 → 5: on SQLite, the items' index on owner and "
+            "date also holds what the day lists show (Items_OwnerKey_DateStamp_Lists)\n");
   CommandResult again = RunTidewell("migrate --config " + this->config_);
   EXPECT_EQ(again.status, 0) << again.out;
   EXPECT_EQ(again.out,
-            "tidewell migrate: the database is at schema version 4 already; nothing to do\n");
+            "tidewell migrate: the database is at schema version 5 already; nothing to do\n");
 
   auto server = this->Serve();
   const int port = server->WaitForPort();

@@ -6,6 +6,8 @@
 #include <memory>
 
 #include "data/connection.h"
+#include "data/dialect_translation.h"
+#include "data/session.h"
 #include "page/page.h"
 #include "runtime/conversions.h"
 #include "runtime/dates.h"
@@ -120,6 +122,32 @@ TYPED_TEST(ItemListOnEngine, TheOtherDialectFailsAsTheDataServerError) {
   EXPECT_TRUE(this->page_.Error.Raised());
   EXPECT_EQ(this->page_.Error.Kind, ErrorKind::kDataRead);
   EXPECT_EQ(this->page_.Screen, screens::kErrorScreen);
+}
+
+// On SQLite a view reads every column its lists show from the index on owner and date alone,
+// for one user and for a group: no item's row is looked up.
+TEST(ItemListOnSqlite, TheViewsStatementReadsTheListsIndexAlone) {
+  testing::SqliteEngine engine;
+  engine.Start();
+  ado::Connection connection;
+  connection.Open(engine.connection_string);
+  std::vector<ListCell> month;
+  for (int day = 1; day <= 30; ++day) month.push_back({DateSerial(2026, 11, day), std::nullopt});
+  for (const ListOwner& owner : {ListOwner{"k1", 0}, ListOwner{"k1", 7}}) {
+    const ado::SqliteStatement statement = ado::ParameterizedAccessForSqlite(
+        ViewListStatement(month, owner, ExpandSortCode("", list_modes::kMonthCell),
+                          ASPDataServer::Access)
+            .CheckedText(),
+        [](std::string_view column) { return column == "DateStamp"; });
+    const ado::Rows plan =
+        connection.session().RunBound("EXPLAIN QUERY PLAN " + statement.text, statement.values);
+    std::string details;
+    for (const auto& row : plan.values) details += CStr(row.back()) + "\n";
+    EXPECT_NE(details.find("SEARCH Items USING COVERING INDEX Items_OwnerKey_DateStamp_Lists"),
+              std::string::npos)
+        << details;
+  }
+  connection.Close();
 }
 
 }  // namespace
