@@ -350,8 +350,8 @@ class SqliteSession : public Session {
   }
 
   // A statement that keeps the first rows of each key has SQLite keep them itself for the keys
-  // that were crowded (CrowdedKeyReadings): sorting every row of a crowded day, for the
-  // session to pass over all but a few, cost a page more than all the rest of it.
+  // that were crowded (CrowdedKeyReadings): sorting every row of a crowded day, only for the
+  // session to pass over all but a few of them, cost more than all the rest of the page.
   Rows RunPerKey(std::string_view statement, const SqliteStatement& known,
                  const RowsPerKey& per_key) {
     std::vector<CrowdedKey> found;
