@@ -210,8 +210,8 @@ class ConfigReader {
                                long high) {
     long n = ParseWholeNumber(value);
     if (n < low || n > high) {
-      Fail(name + " is a whole number from " + std::to_string(low) + " to " +
-           std::to_string(high) + ", not " + value);
+      Fail(name + " is a whole number from " + std::to_string(low) + " to " + std::to_string(high) +
+           ", not " + value);
     }
     return n;
   }
@@ -229,7 +229,8 @@ class ConfigReader {
   std::string ParsePublicAddress(const std::string& value) {
     const bool web = value.rfind("https://", 0) == 0 || value.rfind("http://", 0) == 0;
     const size_t host = value.find("://") + 3;
-    if (!web || value.size() <= host || value.find_first_of(" \t\"'<>?#\\", 0) != std::string::npos) {
+    if (!web || value.size() <= host ||
+        value.find_first_of(" \t\"'<>?#\\", 0) != std::string::npos) {
       Fail("PublicAddress is the site's address such as https://cal.example.org, not " + value);
     }
     std::string address = value;
@@ -249,8 +250,8 @@ class ConfigReader {
     for (std::string origin; in >> origin;) {
       bool web = origin.rfind("https://", 0) == 0 || origin.rfind("http://", 0) == 0;
       size_t host = origin.find("://") + 3;
-      bool plain = web && origin.size() > host &&
-                   origin.find_first_of("/;'\"?#", host) == std::string::npos;
+      bool plain =
+          web && origin.size() > host && origin.find_first_of("/;'\"?#", host) == std::string::npos;
       if (!plain && origin != "'self'") {
         Fail("FrameAncestors lists origins such as https://intranet.example or 'self', not " +
              origin);
@@ -296,14 +297,25 @@ const PageConfig* SiteConfig::FindPage(std::string_view path) const {
   return nullptr;
 }
 
-long DefaultWorkers(DatabaseWork work) {
-  // The processors this process may run on (fewer than the machine's in a pinned container).
+namespace {
+
+// The processors this process may run on (fewer than the machine's in a pinned container).
+long ProcessorsAllowed() {
   cpu_set_t allowed;
-  long processors = sched_getaffinity(0, sizeof allowed, &allowed) == 0
-                        ? CPU_COUNT(&allowed)
-                        : static_cast<long>(std::thread::hardware_concurrency());
+  return sched_getaffinity(0, sizeof allowed, &allowed) == 0
+             ? CPU_COUNT(&allowed)
+             : static_cast<long>(std::thread::hardware_concurrency());
+}
+
+}  // namespace
+
+long DefaultWorkers(DatabaseWork work) {
   const long per_processor = work == DatabaseWork::kOnTheRequestsThread ? 1 : 2;
-  return std::clamp(per_processor * processors, 2L, 64L);
+  return std::clamp(per_processor * ProcessorsAllowed(), 2L, 64L);
+}
+
+long EventLoopThreads() {
+  return std::clamp(ProcessorsAllowed() / 4, 1L, 16L);
 }
 
 long WorkersOf(const SiteConfig& config) {
@@ -312,8 +324,7 @@ long WorkersOf(const SiteConfig& config) {
     bool on_sqlite = false;
     try {
       on_sqlite = EqualsIgnoringCase(
-          ado::ParseConnectionString(page.PropertyValue("ConnectionString")).provider,
-          "SQLite");
+          ado::ParseConnectionString(page.PropertyValue("ConnectionString")).provider, "SQLite");
     } catch (const ado::DatabaseError&) {
       // Counted as another engine's: more threads than needed cost less than too few.
     }
@@ -337,12 +348,28 @@ SiteConfig ParseConfig(const std::string& text, const std::string& file_name) {
 }
 
 std::vector<std::string_view> HostKeyNames() {
-  return {"Listen",         "Locale",       "LinkSecret",     "LinkLifetime",
-          "AssetFolder",    "RequestTimeout", "IdleTimeout",  "MaxConnections",
-          "Workers",        "FrameAncestors", "ContentSecurityPolicy", "PageTemplate",
-          "AutoLogin",      "Metrics",      "MetricsAllow",   "LogFormat",
-          "TrustedProxies", "Feeds",      "TimeZone",       "FeedDaysBack",
-          "FeedDaysAhead",  "PublicAddress"};
+  return {"Listen",
+          "Locale",
+          "LinkSecret",
+          "LinkLifetime",
+          "AssetFolder",
+          "RequestTimeout",
+          "IdleTimeout",
+          "MaxConnections",
+          "Workers",
+          "FrameAncestors",
+          "ContentSecurityPolicy",
+          "PageTemplate",
+          "AutoLogin",
+          "Metrics",
+          "MetricsAllow",
+          "LogFormat",
+          "TrustedProxies",
+          "Feeds",
+          "TimeZone",
+          "FeedDaysBack",
+          "FeedDaysAhead",
+          "PublicAddress"};
 }
 
 std::vector<std::string> ApplyEnvironment(SiteConfig& config, char** environment) {

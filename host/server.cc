@@ -119,6 +119,7 @@ HttpServerLimits LimitsOf(const SiteConfig& config) {
   limits.idle_timeout = std::chrono::seconds(config.idle_timeout_seconds);
   limits.max_connections = static_cast<size_t>(config.max_connections);
   limits.workers = static_cast<size_t>(WorkersOf(config));
+  limits.io_threads = static_cast<size_t>(EventLoopThreads());
   return limits;
 }
 

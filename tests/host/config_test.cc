@@ -147,8 +147,23 @@ TEST(Config, DefaultWorkersFollowTheProcessorsAllowedAndWhereTheDatabaseWorks) {
   ASSERT_EQ(sched_getaffinity(0, sizeof allowed, &allowed), 0);
   const long processors = CPU_COUNT(&allowed);
   EXPECT_EQ(DefaultWorkers(DatabaseWork::kOnTheRequestsThread), std::clamp(processors, 2L, 64L));
-  EXPECT_EQ(DefaultWorkers(DatabaseWork::kInAnotherProcess),
-            std::clamp(2 * processors, 2L, 64L));
+  EXPECT_EQ(DefaultWorkers(DatabaseWork::kInAnotherProcess), std::clamp(2 * processors, 2L, 64L));
+}
+
+// One thread that reads and writes connections for every four processors, at least one.
+TEST(Config, EventLoopThreadsFollowTheProcessorsAllowed) {
+  long pinned = 0;
+  std::thread([&] {
+    cpu_set_t one;
+    CPU_ZERO(&one);
+    CPU_SET(sched_getcpu(), &one);
+    ASSERT_EQ(sched_setaffinity(0, sizeof one, &one), 0);
+    pinned = EventLoopThreads();
+  }).join();
+  EXPECT_EQ(pinned, 1);
+  cpu_set_t allowed;
+  ASSERT_EQ(sched_getaffinity(0, sizeof allowed, &allowed), 0);
+  EXPECT_EQ(EventLoopThreads(), std::clamp(CPU_COUNT(&allowed) / 4L, 1L, 16L));
 }
 
 // Without Workers, the site's engines choose: SQLite on every page runs its work on the
@@ -159,18 +174,19 @@ TEST(Config, WorkersOfASiteFollowItsPagesEngines) {
   const long elsewhere = DefaultWorkers(DatabaseWork::kInAnotherProcess);
   EXPECT_EQ(WorkersOf(ParseConfig("ConnectionString = Provider=SQLite;Data Source=a.db\n", "f")),
             here);
-  EXPECT_EQ(WorkersOf(ParseConfig("ConnectionString = provider=sqlite;Data Source=a.db\n"
-                                  "[page /b]\nConnectionString = Provider=SQLite;Data Source=b.db\n",
-                                  "f")),
-            here);
+  EXPECT_EQ(
+      WorkersOf(ParseConfig("ConnectionString = provider=sqlite;Data Source=a.db\n"
+                            "[page /b]\nConnectionString = Provider=SQLite;Data Source=b.db\n",
+                            "f")),
+      here);
   EXPECT_EQ(WorkersOf(ParseConfig("ConnectionString = Provider=SQLite;Data Source=a.db\n"
                                   "[page /b]\nConnectionString = Provider=PostgreSQL;host=db\n",
                                   "f")),
             elsewhere);
   EXPECT_EQ(WorkersOf(ParseConfig("", "f")), elsewhere);
-  EXPECT_EQ(WorkersOf(ParseConfig("ConnectionString = Provider=PostgreSQL;host=db\nWorkers = 3\n",
-                                  "f")),
-            3);
+  EXPECT_EQ(
+      WorkersOf(ParseConfig("ConnectionString = Provider=PostgreSQL;host=db\nWorkers = 3\n", "f")),
+      3);
 }
 
 TEST(Config, ServerLimitsHaveDefaultsAndTakeWholeNumbers) {
@@ -200,8 +216,9 @@ TEST(Config, FrameAncestorsTakesPlainOriginsOnly) {
             (std::vector<std::string>{"https://intranet.example", "http://wiki.example:8080"}));
   EXPECT_EQ(ParseConfig("FrameAncestors = 'self'\n", "f").frame_ancestors,
             std::vector<std::string>{"'self'"});
-  EXPECT_NE(ErrorOf("FrameAncestors = https://a.example; script-src *\n").find("not https://a.example;"),
-            std::string::npos);
+  EXPECT_NE(
+      ErrorOf("FrameAncestors = https://a.example; script-src *\n").find("not https://a.example;"),
+      std::string::npos);
   EXPECT_NE(ErrorOf("FrameAncestors = *\n").find("FrameAncestors lists origins"),
             std::string::npos);
   EXPECT_NE(ErrorOf("FrameAncestors = https://a.example/path\n").find("FrameAncestors lists"),
