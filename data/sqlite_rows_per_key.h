@@ -27,8 +27,8 @@ struct CrowdedKey {
 //
 // it makes
 //
-//   SELECT list FROM tables WHERE (condition) AND NOT (keys IS key 1) AND NOT (keys IS key 2)
-//   UNION ALL SELECT * FROM (SELECT list FROM tables WHERE (condition) AND keys IS key 1
+//   SELECT list FROM tables WHERE (condition) AND NOT (+keys IS key 1) AND NOT (+keys IS key 2)
+//   UNION ALL SELECT * FROM (SELECT list FROM tables WHERE (condition) AND +keys IS key 1
 //                            ORDER BY keys, rest LIMIT n)
 //   UNION ALL ... (the same for key 2)
 //   ORDER BY the same order, by the columns the rows carry
