@@ -86,38 +86,52 @@ Variant IntegerVariant(sqlite3_int64 value) {
   return Variant(static_cast<double>(value));
 }
 
+// A column of the current row. Read through its sqlite3_value: the sqlite3_column_* calls
+// check the connection's state on each call, some thousands of times for a month view, and
+// a session's connection is only ever used by one thread at a time.
+sqlite3_value* ColumnValue(sqlite3_stmt* stmt, int column) {
+  return sqlite3_column_value(stmt, column);
+}
+
+std::string_view TextOf(sqlite3_value* value) {
+  const char* text = reinterpret_cast<const char*>(sqlite3_value_text(value));
+  return text ? std::string_view(text, static_cast<size_t>(sqlite3_value_bytes(value)))
+              : std::string_view();
+}
+
 Variant ReadColumn(sqlite3_stmt* stmt, int column, ColumnKind kind) {
-  int type = sqlite3_column_type(stmt, column);
+  sqlite3_value* value = ColumnValue(stmt, column);
+  const int type = sqlite3_value_type(value);
   if (type == SQLITE_NULL) return Variant(Null{});
-  if (kind == ColumnKind::kBoolean) return Variant(sqlite3_column_int64(stmt, column) != 0);
-  if (type == SQLITE_INTEGER) return IntegerVariant(sqlite3_column_int64(stmt, column));
-  if (type == SQLITE_FLOAT) return Variant(sqlite3_column_double(stmt, column));
-  const char* bytes = reinterpret_cast<const char*>(sqlite3_column_text(stmt, column));
-  std::string text(bytes ? bytes : "", static_cast<size_t>(sqlite3_column_bytes(stmt, column)));
+  if (kind == ColumnKind::kBoolean) return Variant(sqlite3_value_int64(value) != 0);
+  if (type == SQLITE_INTEGER) return IntegerVariant(sqlite3_value_int64(value));
+  if (type == SQLITE_FLOAT) return Variant(sqlite3_value_double(value));
+  const std::string_view text = TextOf(value);
   if (kind == ColumnKind::kDate) {
     if (std::optional<Date> date = ParseIsoDate(text)) return Variant(*date);
   }
-  return Variant(std::move(text));
+  return Variant(std::string(text));
 }
 
 // Adds the column's value to a KeyRuns key, read as its own type so that the value is left
 // as it is for ReadColumn.
 void AppendKeyPart(std::string& key, sqlite3_stmt* stmt, int column) {
-  switch (sqlite3_column_type(stmt, column)) {
+  sqlite3_value* value = ColumnValue(stmt, column);
+  switch (sqlite3_value_type(value)) {
     case SQLITE_NULL:
       return KeyRuns::NextKeyPart(key, nullptr, 0);
     case SQLITE_INTEGER: {
-      const std::string number = std::to_string(sqlite3_column_int64(stmt, column));
+      const std::string number = std::to_string(sqlite3_value_int64(value));
       return KeyRuns::NextKeyPart(key, number.data(), number.size());
     }
     case SQLITE_FLOAT: {
-      const std::string number = std::to_string(sqlite3_column_double(stmt, column));
+      const std::string number = std::to_string(sqlite3_value_double(value));
       return KeyRuns::NextKeyPart(key, number.data(), number.size());
     }
-    default:
-      return KeyRuns::NextKeyPart(key,
-                                  reinterpret_cast<const char*>(sqlite3_column_text(stmt, column)),
-                                  static_cast<size_t>(sqlite3_column_bytes(stmt, column)));
+    default: {
+      const std::string_view text = TextOf(value);
+      return KeyRuns::NextKeyPart(key, text.data(), text.size());
+    }
   }
 }
 
@@ -126,21 +140,19 @@ void AppendKeyPart(std::string& key, sqlite3_stmt* stmt, int column) {
 std::vector<Variant> StoredValues(sqlite3_stmt* stmt, const std::vector<int>& columns) {
   std::vector<Variant> values;
   for (int column : columns) {
-    switch (sqlite3_column_type(stmt, column)) {
+    sqlite3_value* value = ColumnValue(stmt, column);
+    switch (sqlite3_value_type(value)) {
       case SQLITE_NULL:
         values.emplace_back(Null{});
         break;
       case SQLITE_INTEGER:
-        values.emplace_back(static_cast<long>(sqlite3_column_int64(stmt, column)));
+        values.emplace_back(static_cast<long>(sqlite3_value_int64(value)));
         break;
       case SQLITE_FLOAT:
-        values.emplace_back(sqlite3_column_double(stmt, column));
+        values.emplace_back(sqlite3_value_double(value));
         break;
-      default: {
-        const char* text = reinterpret_cast<const char*>(sqlite3_column_text(stmt, column));
-        values.emplace_back(
-            std::string(text ? text : "", static_cast<size_t>(sqlite3_column_bytes(stmt, column))));
-      }
+      default:
+        values.emplace_back(std::string(TextOf(value)));
     }
   }
   return values;
