@@ -128,24 +128,37 @@ TEST(Config, BadFeedValuesStopWithTheirLine) {
             "site.conf:2: TimeZone applies to the whole server; set it before any [page] section");
 }
 
-// One thread for each processor the server may run on when the database work runs on the
-// request's thread, two when it runs in another process; never fewer than two.
-TEST(Config, DefaultWorkersFollowTheProcessorsAllowedAndWhereTheDatabaseWorks) {
-  long pinned_here = 0;
-  long pinned_elsewhere = 0;
+// Runs `read` on a thread of its own that may run on one processor only: what the server
+// chooses on a machine, or in a container, of one processor.
+template <class Read>
+void OnOneProcessor(Read read) {
   std::thread([&] {
     cpu_set_t one;
     CPU_ZERO(&one);
     CPU_SET(sched_getcpu(), &one);
     ASSERT_EQ(sched_setaffinity(0, sizeof one, &one), 0);
+    read();
+  }).join();
+}
+
+long ProcessorsAllowed() {
+  cpu_set_t allowed;
+  EXPECT_EQ(sched_getaffinity(0, sizeof allowed, &allowed), 0);
+  return CPU_COUNT(&allowed);
+}
+
+// One thread for each processor the server may run on when the database work runs on the
+// request's thread, two when it runs in another process; never fewer than two.
+TEST(Config, DefaultWorkersFollowTheProcessorsAllowedAndWhereTheDatabaseWorks) {
+  long pinned_here = 0;
+  long pinned_elsewhere = 0;
+  OnOneProcessor([&] {
     pinned_here = DefaultWorkers(DatabaseWork::kOnTheRequestsThread);
     pinned_elsewhere = DefaultWorkers(DatabaseWork::kInAnotherProcess);
-  }).join();
+  });
   EXPECT_EQ(pinned_here, 2);
   EXPECT_EQ(pinned_elsewhere, 2);
-  cpu_set_t allowed;
-  ASSERT_EQ(sched_getaffinity(0, sizeof allowed, &allowed), 0);
-  const long processors = CPU_COUNT(&allowed);
+  const long processors = ProcessorsAllowed();
   EXPECT_EQ(DefaultWorkers(DatabaseWork::kOnTheRequestsThread), std::clamp(processors, 2L, 64L));
   EXPECT_EQ(DefaultWorkers(DatabaseWork::kInAnotherProcess), std::clamp(2 * processors, 2L, 64L));
 }
@@ -153,17 +166,9 @@ TEST(Config, DefaultWorkersFollowTheProcessorsAllowedAndWhereTheDatabaseWorks) {
 // One thread that reads and writes connections for every four processors, at least one.
 TEST(Config, EventLoopThreadsFollowTheProcessorsAllowed) {
   long pinned = 0;
-  std::thread([&] {
-    cpu_set_t one;
-    CPU_ZERO(&one);
-    CPU_SET(sched_getcpu(), &one);
-    ASSERT_EQ(sched_setaffinity(0, sizeof one, &one), 0);
-    pinned = EventLoopThreads();
-  }).join();
+  OnOneProcessor([&] { pinned = EventLoopThreads(); });
   EXPECT_EQ(pinned, 1);
-  cpu_set_t allowed;
-  ASSERT_EQ(sched_getaffinity(0, sizeof allowed, &allowed), 0);
-  EXPECT_EQ(EventLoopThreads(), std::clamp(CPU_COUNT(&allowed) / 4L, 1L, 16L));
+  EXPECT_EQ(EventLoopThreads(), std::clamp(ProcessorsAllowed() / 4, 1L, 16L));
 }
 
 // Without Workers, the site's engines choose: SQLite on every page runs its work on the
