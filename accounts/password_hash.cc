@@ -4,6 +4,8 @@
 
 #include <stdexcept>
 
+#include "page/link_keys.h"
+
 namespace tidewell {
 namespace {
 
@@ -12,11 +14,6 @@ namespace {
 // of milliseconds here, paid once per login.
 constexpr unsigned long long kPasses = 2;
 constexpr size_t kMemoryBytes = 19 * 1024 * 1024;
-
-void StartSodium() {
-  static const bool started = sodium_init() >= 0;
-  if (!started) throw std::runtime_error("libsodium could not be started");
-}
 
 // A hash of a password nobody has, made once, for VerifyAgainstNoAccount.
 const std::string& HashOfNoAccount() {

@@ -86,21 +86,18 @@ Variant IntegerVariant(sqlite3_int64 value) {
   return Variant(static_cast<double>(value));
 }
 
-// A column of the current row. Read through its sqlite3_value: the sqlite3_column_* calls
-// check the connection's state on each call, some thousands of times for a month view, and
-// a session's connection is only ever used by one thread at a time.
-sqlite3_value* ColumnValue(sqlite3_stmt* stmt, int column) {
-  return sqlite3_column_value(stmt, column);
-}
-
+// A value's text, empty for none.
 std::string_view TextOf(sqlite3_value* value) {
   const char* text = reinterpret_cast<const char*>(sqlite3_value_text(value));
   return text ? std::string_view(text, static_cast<size_t>(sqlite3_value_bytes(value)))
               : std::string_view();
 }
 
+// A column of the current row, read through its sqlite3_value: the sqlite3_column_* calls
+// check the connection's state on each call, some thousands of times for a month view, and a
+// session's connection is only ever used by one thread at a time.
 Variant ReadColumn(sqlite3_stmt* stmt, int column, ColumnKind kind) {
-  sqlite3_value* value = ColumnValue(stmt, column);
+  sqlite3_value* value = sqlite3_column_value(stmt, column);
   const int type = sqlite3_value_type(value);
   if (type == SQLITE_NULL) return Variant(Null{});
   if (kind == ColumnKind::kBoolean) return Variant(sqlite3_value_int64(value) != 0);
@@ -116,7 +113,7 @@ Variant ReadColumn(sqlite3_stmt* stmt, int column, ColumnKind kind) {
 // Adds the column's value to a KeyRuns key, read as its own type so that the value is left
 // as it is for ReadColumn.
 void AppendKeyPart(std::string& key, sqlite3_stmt* stmt, int column) {
-  sqlite3_value* value = ColumnValue(stmt, column);
+  sqlite3_value* value = sqlite3_column_value(stmt, column);
   switch (sqlite3_value_type(value)) {
     case SQLITE_NULL:
       return KeyRuns::NextKeyPart(key, nullptr, 0);
@@ -135,26 +132,11 @@ void AppendKeyPart(std::string& key, sqlite3_stmt* stmt, int column) {
   }
 }
 
-// The columns' values as the table stores them, to bind them back unchanged: a whole number
-// as a whole number, a text as a text.
+// The columns' values as the table holds them, to bind them back: a whole number as a whole
+// number (or as the same number in floating point past 32 bits), a text as a text.
 std::vector<Variant> StoredValues(sqlite3_stmt* stmt, const std::vector<int>& columns) {
   std::vector<Variant> values;
-  for (int column : columns) {
-    sqlite3_value* value = ColumnValue(stmt, column);
-    switch (sqlite3_value_type(value)) {
-      case SQLITE_NULL:
-        values.emplace_back(Null{});
-        break;
-      case SQLITE_INTEGER:
-        values.emplace_back(static_cast<long>(sqlite3_value_int64(value)));
-        break;
-      case SQLITE_FLOAT:
-        values.emplace_back(sqlite3_value_double(value));
-        break;
-      default:
-        values.emplace_back(std::string(TextOf(value)));
-    }
-  }
+  for (int column : columns) values.push_back(ReadColumn(stmt, column, ColumnKind::kText));
   return values;
 }
 

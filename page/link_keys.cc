@@ -34,12 +34,6 @@ bool IsLowerHex(std::string_view s) {
   return true;
 }
 
-// libsodium, which every hash and key here comes from, is started once before its first use.
-void StartSodium() {
-  static const bool started = sodium_init() >= 0;
-  if (!started) throw std::runtime_error("libsodium could not start");
-}
-
 std::string RandomHex(size_t bytes_wanted) {
   StartSodium();
   std::vector<unsigned char> bytes(bytes_wanted);
@@ -87,6 +81,11 @@ std::string GenerateLinkSecret() {
 
 bool IsOwnerKey(std::string_view key) {
   return key.size() == kKeyDigits && IsLowerHex(key);
+}
+
+void StartSodium() {
+  static const bool started = sodium_init() >= 0;
+  if (!started) throw std::runtime_error("libsodium could not be started");
 }
 
 std::string Sha256Hex(std::string_view text) {

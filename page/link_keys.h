@@ -23,7 +23,7 @@ struct LinkSigning {
 // A key as a link carried it: well formed and unexpired, its mac not yet checked against the
 // account (MacMatches).
 struct SignedKey {
-  std::string key;     // the bare OwnerKey
+  std::string key;          // the bare OwnerKey
   std::string signed_part;  // OwnerKey "." expiry
   std::string mac;
 };
@@ -69,6 +69,10 @@ bool MacMatches(const LinkSigning& signing, const SignedKey& key, std::string_vi
 // ReadSignedKey and MacMatches together: the bare key, or nothing.
 std::optional<std::string> CheckSignedKey(const LinkSigning& signing, std::string_view signed_key,
                                           std::string_view stamp);
+
+// Starts libsodium, which the keys, hashes and signatures here and the password hashes come
+// from, once before its first use; throws when it cannot start.
+void StartSodium();
 
 // SHA-256 of `text` in lower-case hex: for values kept or compared without keeping the text
 // itself (the throttle's account names, the AutoLogin check's memory).

@@ -9,6 +9,7 @@
 #include "data/database_error.h"
 #include "data/dialect_translation.h"
 #include "data/postgres_rows_per_key.h"
+#include "data/sqlite_rows_per_key.h"
 #include "runtime/dates.h"
 #include "views/item_list.h"
 
@@ -39,10 +40,11 @@ TEST(DayListStatement, MonthCellOfOwnItemsInTheAccessDialect) {
 }
 
 TEST(DayListStatement, MonthCellOfTheGroupInTheAccessDialect) {
-  EXPECT_EQ(Text(DayListStatement(list_modes::kMonthCell, "11/3/2026", 0, kGroup, kDefaultDaySort,
-                                  ASPDataServer::Access)),
-            std::string("SELECT TOP 6 ") + kColumns +
-                "#11/3/2026# AND GroupID = 7 ORDER BY TimeStamp, Initials, Urgent, Heading ASC, ItemID");
+  EXPECT_EQ(
+      Text(DayListStatement(list_modes::kMonthCell, "11/3/2026", 0, kGroup, kDefaultDaySort,
+                            ASPDataServer::Access)),
+      std::string("SELECT TOP 6 ") + kColumns +
+          "#11/3/2026# AND GroupID = 7 ORDER BY TimeStamp, Initials, Urgent, Heading ASC, ItemID");
 }
 
 TEST(DayListStatement, MonthCellInTheSqlServerDialect) {
@@ -51,10 +53,11 @@ TEST(DayListStatement, MonthCellInTheSqlServerDialect) {
             std::string("SELECT TOP 6 ") + kColumns +
                 "'11/3/2026' AND Items.OwnerKey = 'k1' ORDER BY TimeStamp, Initials, Urgent, "
                 "Heading ASC, ItemID");
-  EXPECT_EQ(Text(DayListStatement(list_modes::kMonthCell, "11/3/2026", 0, kGroup, kDefaultDaySort,
-                                  ASPDataServer::SQLServer)),
-            std::string("SELECT TOP 6 ") + kColumns +
-                "'11/3/2026' AND GroupID = 7 ORDER BY TimeStamp, Initials, Urgent, Heading ASC, ItemID");
+  EXPECT_EQ(
+      Text(DayListStatement(list_modes::kMonthCell, "11/3/2026", 0, kGroup, kDefaultDaySort,
+                            ASPDataServer::SQLServer)),
+      std::string("SELECT TOP 6 ") + kColumns +
+          "'11/3/2026' AND GroupID = 7 ORDER BY TimeStamp, Initials, Urgent, Heading ASC, ItemID");
 }
 
 TEST(DayListStatement, WeekRowFetchesFive) {
@@ -114,9 +117,8 @@ TEST(ViewListStatement, JoinsTheCellsConditionsAndSortsAsTheirLists) {
                 "DateStamp >= #11/3/2026# AND DateStamp <= #11/5/2026# AND ((DateStamp = "
                 "#11/3/2026#) OR (DateStamp = #11/5/2026#)) AND Items.OwnerKey = 'k1' ORDER BY "
                 "DateStamp, TimeStamp, Initials, Urgent, Heading ASC, ItemID");
-  const std::vector<ListCell> hours = {{DateSerial(2026, 11, 3), 22},
-                                       {DateSerial(2026, 11, 3), 23},
-                                       {DateSerial(2026, 11, 4), 0}};
+  const std::vector<ListCell> hours = {
+      {DateSerial(2026, 11, 3), 22}, {DateSerial(2026, 11, 3), 23}, {DateSerial(2026, 11, 4), 0}};
   EXPECT_EQ(Text(ViewListStatement(hours, kGroup, "Heading DESC", ASPDataServer::SQLServer)),
             columns +
                 "DateStamp >= '11/3/2026' AND DateStamp <= '11/4/2026' AND ((DateStamp = "
@@ -125,24 +127,29 @@ TEST(ViewListStatement, JoinsTheCellsConditionsAndSortsAsTheirLists) {
                 "DESC, ItemID");
 }
 
-// On PostgreSQL a crowded view reads each cell's first rows on the engine
-// (KeepPerKeyForPostgres), which needs every column the view sorts by in its list: so for the
-// day lists' default and every order a header asks for, over days and over hours.
-TEST(ViewListStatement, EveryOrderOfTheViewsCanBeKeptPerCellOnPostgres) {
+// A crowded view has either engine read each cell's first rows itself (KeepPerKeyForPostgres,
+// KeepPerKeyForSqlite), which needs every column the view sorts by in its list: so for the day
+// lists' default and every order a header asks for, over days and over hours, on both engines.
+TEST(ViewListStatement, EveryOrderOfTheViewsCanBeKeptPerCellOnEitherEngine) {
   const std::vector<ListCell> days = {{DateSerial(2026, 11, 3), std::nullopt},
                                       {DateSerial(2026, 11, 4), std::nullopt}};
   const std::vector<ListCell> hours = {{DateSerial(2026, 11, 3), 9}, {DateSerial(2026, 11, 3), 10}};
+  const ado::RowsPerKey by_day{{"DateStamp"}, 6};
+  const ado::RowsPerKey by_hour{{"DateStamp", "TimeStamp"}, 3};
   std::vector<std::string> sorts = {kDefaultDaySort};
   for (const char* code : {"U*A", "U*D", "T*A", "T*D", "I*A", "I*D", "H*A", "H*D"}) {
     sorts.push_back(ExpandSortCode(code, list_modes::kDayRow));
   }
+  const auto is_date = [](std::string_view column) { return column == "DateStamp"; };
   for (const std::string& sort : sorts) {
-    const std::string by_day = ado::TranslateSqlServerForPostgres(
-        Text(ViewListStatement(days, kGroup, sort, ASPDataServer::SQLServer)));
-    EXPECT_TRUE(ado::KeepPerKeyForPostgres(by_day, {{"DateStamp"}, 6})) << sort;
-    const std::string by_hour = ado::TranslateSqlServerForPostgres(
-        Text(ViewListStatement(hours, kOwn, sort, ASPDataServer::SQLServer)));
-    EXPECT_TRUE(ado::KeepPerKeyForPostgres(by_hour, {{"DateStamp", "TimeStamp"}, 3})) << sort;
+    for (const auto& [cells, per_key] : {std::pair{days, by_day}, std::pair{hours, by_hour}}) {
+      const std::string postgres = ado::TranslateSqlServerForPostgres(
+          Text(ViewListStatement(cells, kGroup, sort, ASPDataServer::SQLServer)));
+      EXPECT_TRUE(ado::KeepPerKeyForPostgres(postgres, per_key)) << sort;
+      const ado::SqliteStatement sqlite = ado::ParameterizedAccessForSqlite(
+          Text(ViewListStatement(cells, kOwn, sort, ASPDataServer::Access)), is_date);
+      EXPECT_TRUE(ado::KeepPerKeyForSqlite(sqlite.text, per_key, sqlite.values.size(), 2)) << sort;
+    }
   }
 }
 
@@ -195,10 +202,10 @@ TEST(DayListStatement, AnOrderNoHeaderMakesIsRefused) {
 
 // A column's position is what the engine reads ORDER BY 2 as; such an order stays possible.
 TEST(DayListStatement, AnOrderByPositionPasses) {
-  EXPECT_EQ(
-      Text(DayListStatement(list_modes::kMonthCell, "11/3/2026", 0, kOwn, "2",
-                            ASPDataServer::Access)),
-      std::string("SELECT TOP 6 ") + kColumns + "#11/3/2026# AND Items.OwnerKey = 'k1' ORDER BY 2, ItemID");
+  EXPECT_EQ(Text(DayListStatement(list_modes::kMonthCell, "11/3/2026", 0, kOwn, "2",
+                                  ASPDataServer::Access)),
+            std::string("SELECT TOP 6 ") + kColumns +
+                "#11/3/2026# AND Items.OwnerKey = 'k1' ORDER BY 2, ItemID");
 }
 
 TEST(DayListStatement, AKeyWithAQuoteIsRefused) {

@@ -161,13 +161,14 @@ inline Drawing DrawView(const RandomCalendar& calendar, const ViewRequest& reque
       DayView(page, reading);
       break;
   }
+  const ado::StatementCounts after = CountsOf(*connection);
   return {.html = page.PageBuffer,
           .error_flag = page.Error.Raised(),
           .error_kind = page.Error.Kind,
           .error_text = page.Error.Text,
           .screen = page.Screen,
-          .statements_run = CountsOf(*connection).run - before.run,
-          .kept_per_key = CountsOf(*connection).kept_per_key - before.kept_per_key};
+          .statements_run = after.run - before.run,
+          .kept_per_key = after.kept_per_key - before.kept_per_key};
 }
 
 }  // namespace tidewell::testing

@@ -18,6 +18,7 @@
 #include "runtime/clock.h"
 #include "runtime/dates.h"
 #include "tests/data/engines.h"
+#include "tests/support/page_text.h"
 #include "tests/support/seeder.h"
 #include "tests/views/random_calendar.h"
 #include "tests/views/view_drawing.h"
@@ -28,6 +29,7 @@ namespace {
 
 using testing::Between;
 using testing::Chance;
+using testing::Count;
 using testing::Drawing;
 using testing::PasswordHashing;
 using testing::RandomCalendar;
@@ -75,12 +77,6 @@ struct Tally {
   long kept_per_key = 0;    // drawn again after the engine kept each cell's rows itself
   long mismatches = 0;      // drawings that failed a check
 };
-
-long Count(const std::string& text, const std::string& piece) {
-  long n = 0;
-  for (size_t at = text.find(piece); at != std::string::npos; at = text.find(piece, at + 1)) ++n;
-  return n;
-}
 
 // After this many drawings that fail a check a test stops: each reports two whole pages.
 constexpr long kMismatchesReported = 5;
