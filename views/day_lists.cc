@@ -79,8 +79,8 @@ void AppendMoreOpening(std::string& out, long mode) {
              : "<table cellspacing=0 cellpadding=0 border=0><tr><td align=left width=520>";
 }
 
-void AppendMoreClosing(std::string& out, const Page& page, long mode,
-                       const std::string& link_date, const ItemRow& row) {
+void AppendMoreClosing(std::string& out, const Page& page, long mode, const std::string& link_date,
+                       const ItemRow& row) {
   if (mode == list_modes::kMonthCell) {
     out += "</td><td align=right width=18><a class=text href=";
     AppendLinkTo(out, page, screens::kDayView,
@@ -115,22 +115,28 @@ ListLimit LimitOf(long mode) {
 
 std::string DayListMarkup(const Page& page, long mode, const std::string& link_date,
                           const DayList& items) {
-  const long shown = LimitOf(mode).shown;
   std::string list;
-  list.reserve(static_cast<size_t>(shown) * 512);
+  list.reserve(static_cast<size_t>(LimitOf(mode).shown) * 512);
+  AppendDayListMarkup(list, page, mode, link_date, items);
+  return list;
+}
+
+void AppendDayListMarkup(std::string& out, const Page& page, long mode,
+                         const std::string& link_date, const DayList& items) {
+  const long shown = LimitOf(mode).shown;
+  const size_t start = out.size();
   for (size_t i = 0; i < items.rows.size(); ++i) {
     const ItemRow& row = items.rows[i];
     const bool last = items.more && static_cast<long>(i) + 1 == shown;
     // A month cell starts each item on a new line below the day number; the week and day
     // rows end each with a break, and the last break is cut below.
-    if (mode == list_modes::kMonthCell) list += "<br>";
-    if (last) AppendMoreOpening(list, mode);
-    AppendItemLink(list, page, mode, link_date, row);
-    if (last) AppendMoreClosing(list, page, mode, link_date, row);
-    if (mode != list_modes::kMonthCell) list += "<br>";
+    if (mode == list_modes::kMonthCell) out += "<br>";
+    if (last) AppendMoreOpening(out, mode);
+    AppendItemLink(out, page, mode, link_date, row);
+    if (last) AppendMoreClosing(out, page, mode, link_date, row);
+    if (mode != list_modes::kMonthCell) out += "<br>";
   }
-  if (list.ends_with("<br>")) list.resize(list.size() - 4);
-  return list;
+  if (out.size() - start >= 4 && out.ends_with("<br>")) out.resize(out.size() - 4);
 }
 
 DayList ReadDayList(long mode, ado::Recordset& rs) {

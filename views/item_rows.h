@@ -65,6 +65,9 @@ DayList ReadDayList(long mode, ado::Recordset& rs);
 // list holds none. `link_date` is the day as the links carry it.
 std::string DayListMarkup(const Page& page, long mode, const std::string& link_date,
                           const DayList& items);
+// The same, written at the end of `out`; nothing when the list holds none.
+void AppendDayListMarkup(std::string& out, const Page& page, long mode,
+                         const std::string& link_date, const DayList& items);
 
 // Mode 3: the time view's table of the hour's items, with the sortable headers. `sort` is the
 // expanded sort order the statement used.

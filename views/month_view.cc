@@ -104,17 +104,17 @@ bool AppendDayCell(MonthGrid& grid, size_t index, std::optional<Step> week) {
   Page& page = grid.page;
   const GridCell& cell = grid.cells[index];
   const std::string date_text = CStr(cell.date);
-  const std::string items = grid.lists.ListOf(index);
+  std::string& out = page.PageBuffer;
+  out += CellOpening(grid, cell.kind, cell.day);
+  AppendLinkTo(out, page, screens::kDayView,
+               {.date = date_text, .hour = page.props.DefaultStartHour});
+  out += " ><b>" + FormatTwoDigits(cell.day) + "</b></a>&nbsp;";
+  if (week) out += WeekLink(page, *week, date_text);
+  grid.lists.AppendListOf(out, index);
   if (page.Error.Raised()) {
     page.PageBuffer = grid.saved_page;
     return false;
   }
-  std::string& out = page.PageBuffer;
-  out += CellOpening(grid, cell.kind, cell.day);
-  out += LinkTo(page, screens::kDayView, {.date = date_text, .hour = page.props.DefaultStartHour});
-  out += " ><b>" + FormatTwoDigits(cell.day) + "</b></a>&nbsp;";
-  if (week) out += WeekLink(page, *week, date_text);
-  out += items;
   out += "</td>";
   return true;
 }
@@ -148,7 +148,7 @@ long MonthHeight(const Page& page, int rows) {
 
 void MonthView(Page& page, ListReading reading) {
   MonthGrid grid(page, reading);
-  page.PageBuffer.reserve(page.PageBuffer.size() + 64 * 1024);  // a busy month's markup
+  page.PageBuffer.reserve(page.PageBuffer.size() + 128 * 1024);  // a busy month's markup
   AppendWeekdayNames(page);
   page.PageBuffer +=
       "<table align=center width=610 height=460 cellpadding=3 cellspacing=0 border=1 "

@@ -77,22 +77,37 @@ void ViewLists::ReadAll() {
     DayList& list = lists_[cell->second];
     // The statement keeps a cell's first `fetched` rows (KeepPerKey); the list shows the first
     // `shown` and tells of more when it was given all `fetched`.
-    if (static_cast<long>(list.rows.size()) < limit.shown) list.rows.push_back(reader.Read());
+    if (static_cast<long>(list.rows.size()) < limit.shown) {
+      // Room for the whole list at once: each row moved on growth is a handful of strings.
+      if (list.rows.empty()) list.rows.reserve(static_cast<size_t>(limit.shown));
+      list.rows.push_back(reader.Read());
+    }
     list.more = ++fetched[cell->second] >= limit.fetched;
   }
   rs.Close();
 }
 
 std::string ViewLists::ListOf(size_t index) {
+  std::string list;
+  AppendListOf(list, index);
+  return list;
+}
+
+void ViewLists::AppendListOf(std::string& out, size_t index) {
   const ListCell& cell = cells_[index];
   if (reading_ == ListReading::kOnePerCell) {
-    return BuildItemList(page_, mode_, cell.day, cell.hour.value_or(0));
+    out += BuildItemList(page_, mode_, cell.day, cell.hour.value_or(0));
+    return;
   }
-  if (page_.Error.Raised()) return "&nbsp;";
-  const std::string list = TrapListFailure(page_, [&] {
-    return DayListMarkup(page_, mode_, ShortDateText(DateOnly(cell.day)), lists_[index]);
-  });
-  return list.empty() ? "&nbsp;" : list;
+  const size_t start = out.size();
+  if (!page_.Error.Raised()) {
+    TrapListFailure(page_, [&] {
+      AppendDayListMarkup(out, page_, mode_, ShortDateText(DateOnly(cell.day)), lists_[index]);
+      return std::string();
+    });
+    if (page_.Error.Raised()) out.resize(start);
+  }
+  if (out.size() == start) out += "&nbsp;";
 }
 
 }  // namespace tidewell

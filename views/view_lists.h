@@ -30,6 +30,8 @@ class ViewLists {
   // The list of the cell at `index` in the order the cells were given; markup, "&nbsp;" when
   // the cell has no items.
   std::string ListOf(size_t index);
+  // The same, written at the end of `out`: a month's lists go straight into the page.
+  void AppendListOf(std::string& out, size_t index);
   const ListCell& Cell(size_t index) const { return cells_[index]; }
 
  private:
