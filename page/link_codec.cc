@@ -88,21 +88,19 @@ void AppendKey(std::string& link, const Page& page, std::string_view key, bool h
   link += recent.Encoded(page.signing, key, stamp ? *stamp : std::string_view(), hex);
 }
 
-// A field's text by the run time's rules, written straight after what is there: text and
+// A field's text by the run time's rules, encoded straight after what is there: text and
 // whole numbers, nearly every field of a link, without a copy of their own.
-void AppendFieldText(std::string& out, const Variant& field) {
+void AppendEncodedField(std::string& out, const Variant& field, bool hex) {
   switch (field.type()) {
     case Variant::Type::kString:
-      out += field.AsString();
-      return;
+      return AppendEncoded(out, field.AsString(), hex);
     case Variant::Type::kLong: {
       char digits[24];
       const auto written = std::to_chars(std::begin(digits), std::end(digits), field.AsLong());
-      out.append(digits, written.ptr);
-      return;
+      return AppendEncoded(out, std::string_view(digits, written.ptr), hex);
     }
     default:
-      out += CStr(field);
+      return AppendEncoded(out, CStr(field), hex);
   }
 }
 
@@ -111,26 +109,22 @@ void AppendFieldText(std::string& out, const Variant& field) {
 void AppendLink(std::string& out, const Page& page, const Variant& f1, const Variant& f2,
                 const Variant& f3, const Variant& f4, std::string_view f5, const Variant& f6,
                 std::string_view f7, std::string_view suffix) {
-  // A month view writes some hundreds of links: each is encoded straight into its place, the
-  // fields between the keys a run at a time.
+  // A month view writes some hundreds of links: each is encoded straight into its place.
   const bool hex = page.props.HexQueryString;
   out += page.ScriptName;
   out += "WS=";
-  std::string fields = "~";
   for (const Variant* field : {&f1, &f2, &f3, &f4}) {
-    AppendFieldText(fields, *field);
-    fields += '~';
+    AppendEncoded(out, "~", hex);
+    AppendEncodedField(out, *field, hex);
   }
-  AppendEncoded(out, fields, hex);
+  AppendEncoded(out, "~", hex);
   AppendKey(out, page, f5, hex);
-  fields = "~";
-  AppendFieldText(fields, f6);
-  fields += '~';
-  AppendEncoded(out, fields, hex);
+  AppendEncoded(out, "~", hex);
+  AppendEncodedField(out, f6, hex);
+  AppendEncoded(out, "~", hex);
   AppendKey(out, page, f7, hex);
-  fields = "~";
-  fields += suffix;
-  AppendEncoded(out, fields, hex);
+  AppendEncoded(out, "~", hex);
+  AppendEncoded(out, suffix, hex);
 }
 
 std::string BuildLink(const Page& page, const Variant& f1, const Variant& f2, const Variant& f3,
