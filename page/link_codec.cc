@@ -2,7 +2,6 @@
 
 #include <array>
 #include <charconv>
-#include <cstring>
 #include <iterator>
 
 #include "page/link_keys.h"
@@ -35,13 +34,9 @@ void AppendEncoded(std::string& out, std::string_view text, bool hex) {
     }
     return pairs;
   }();
-  const size_t at = out.size();
-  out.resize(at + text.size() * 2);
-  char* digit = out.data() + at;
-  for (char c : text) {
-    std::memcpy(digit, &kPairs[2 * static_cast<unsigned char>(c)], 2);
-    digit += 2;
-  }
+  // Appended pair by pair: a link's fields are short, and growing the string first would only
+  // fill it with zeros to be written over.
+  for (char c : text) out.append(&kPairs[2 * static_cast<unsigned char>(c)], 2);
 }
 
 // Every link of a page carries the same one or two keys, signed with the same expiry and
@@ -53,8 +48,8 @@ class RecentKeys {
                              std::string_view stamp, bool hex) {
     const long long expiry = UnixNow() + signing.lifetime_seconds;
     for (const Entry& entry : entries_) {
-      if (entry.expiry == expiry && entry.hex == hex && entry.key == key &&
-          entry.stamp == stamp && entry.secret == signing.secret) {
+      if (entry.expiry == expiry && entry.hex == hex && entry.key == key && entry.stamp == stamp &&
+          entry.secret == signing.secret) {
         return entry.encoded;
       }
     }
