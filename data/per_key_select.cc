@@ -181,7 +181,8 @@ std::optional<std::vector<KeyColumn>> KeyColumnsOf(const Tokens& tokens, const S
 // column of the list by the name the rows carry it under, with its direction. nullopt when a
 // term is anything else (a position, an expression, NULLS FIRST, a column the list leaves out
 // or names twice), or when the list gives an item a name of its own (AS).
-std::optional<std::string> OrderOfTheRows(const Tokens& tokens, const SelectParts& parts) {
+std::optional<std::vector<RowOrderTerm>> OrderOfTheRows(const Tokens& tokens,
+                                                        const SelectParts& parts) {
   size_t depth = 0;  // an AS inside parentheses names a subquery's table, not an item
   for (size_t i = parts.list.begin; i < parts.list.end; ++i) {
     if (tokens[i].text == "(") ++depth;
@@ -189,12 +190,12 @@ std::optional<std::string> OrderOfTheRows(const Tokens& tokens, const SelectPart
     if (depth == 0 && IsWord(tokens[i], "AS")) return std::nullopt;
   }
   const std::vector<std::vector<Token>> items = ListItems(tokens, parts);
-  std::string order;
+  std::vector<RowOrderTerm> order;
   for (Span span : Items(tokens, parts.order)) {
     std::vector<Token> term = Significant(tokens, span);
     std::string direction;
     if (!term.empty() && IsWordIn(term.back(), {"ASC", "DESC"})) {
-      direction = " " + std::string(term.back().text);
+      direction = term.back().text;
       term.pop_back();
     }
     if (!IsPlainColumn(term)) return std::nullopt;
@@ -207,7 +208,18 @@ std::optional<std::string> OrderOfTheRows(const Tokens& tokens, const SelectPart
       ++found;
     }
     if (found != 1) return std::nullopt;
-    order += (order.empty() ? "" : ", ") + name + direction;
+    order.push_back({name, std::move(direction)});
+  }
+  return order;
+}
+
+// "a, b DESC": the terms written out again, each direction as written.
+std::string OrderText(const std::vector<RowOrderTerm>& terms) {
+  std::string order;
+  for (const RowOrderTerm& term : terms) {
+    if (!order.empty()) order += ", ";
+    order += term.name;
+    if (!term.direction.empty()) order += " " + term.direction;
   }
   return order;
 }
@@ -221,16 +233,27 @@ std::optional<PerKeySelect> PerKeySelectOf(std::string_view statement, const Row
   if (!parts) return std::nullopt;
   std::optional<std::vector<KeyColumn>> keys = KeyColumnsOf(tokens, *parts, per_key.columns);
   if (!keys) return std::nullopt;
-  std::optional<std::string> order_of_rows = OrderOfTheRows(tokens, *parts);
-  if (!order_of_rows) return std::nullopt;
+  std::optional<std::vector<RowOrderTerm>> order_terms = OrderOfTheRows(tokens, *parts);
+  if (!order_terms) return std::nullopt;
   PerKeySelect select;
   select.list = TextOf(tokens, parts->list);
   select.tables = TextOf(tokens, parts->tables);
   if (parts->condition) select.condition = TextOf(tokens, *parts->condition);
   select.order = TextOf(tokens, parts->order);
-  select.order_of_rows = std::move(*order_of_rows);
+  select.order_of_rows = OrderText(*order_terms);
+  select.order_terms = std::move(*order_terms);
   select.keys = std::move(*keys);
   return select;
+}
+
+bool RowOrderTerm::Descending() const {
+  return EqualsIgnoringCase(direction, "DESC");
+}
+
+std::string UnorderedText(const PerKeySelect& select) {
+  std::string text = "SELECT " + select.list + " FROM " + select.tables;
+  if (select.condition) text += " WHERE " + *select.condition;
+  return text;
 }
 
 }  // namespace tidewell::ado

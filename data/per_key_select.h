@@ -16,6 +16,14 @@ struct KeyColumn {
   std::string name;
 };
 
+// A term of the ORDER BY as the rows carry its column: "Items.Heading DESC" is {"Heading",
+// "DESC"}; the direction as written, "" when none is.
+struct RowOrderTerm {
+  std::string name;
+  std::string direction;
+  bool Descending() const;
+};
+
 // A statement taken apart for a provider to rewrite it so that the engine itself keeps at
 // most a few rows of each key (postgres_rows_per_key.h, sqlite_rows_per_key.h): the clauses
 // of "SELECT list FROM tables [WHERE condition] ORDER BY order", each as written without the
@@ -28,7 +36,8 @@ struct PerKeySelect {
   // The ORDER BY as it reads the statement's rows, for a query over those rows: each term the
   // name the rows carry its column under, with its direction.
   std::string order_of_rows;
-  std::vector<KeyColumn> keys;  // in the order of per_key.columns
+  std::vector<RowOrderTerm> order_terms;  // the same, term by term
+  std::vector<KeyColumn> keys;            // in the order of per_key.columns
 };
 
 // The statement's clauses, when it has the one shape the rewrites take: a SELECT without
@@ -37,6 +46,9 @@ struct PerKeySelect {
 // (AS), and whose ORDER BY starts with exactly those columns, ascending, in the keys' order,
 // and otherwise names only columns the list holds once, each plainly with an optional
 // direction. Anything else gives nullopt, and the statement runs as written.
+// "SELECT list FROM tables [WHERE condition]": the statement's rows in no particular order.
+std::string UnorderedText(const PerKeySelect& select);
+
 std::optional<PerKeySelect> PerKeySelectOf(std::string_view statement, const RowsPerKey& per_key);
 
 }  // namespace tidewell::ado

@@ -34,6 +34,8 @@ struct StatementCounts {
   // Runs of a statement that keeps the first rows of each key which the engine kept itself
   // (rewritten for crowded keys) rather than the session passing over the rest.
   long long kept_per_key = 0;
+  // Runs of such a statement whose rows the session put in order itself (SQLite).
+  long long sorted_by_session = 0;
 };
 
 // One open conversation with a database engine: what a provider offers the Connection and

@@ -21,7 +21,9 @@
 #include "data/database_error.h"
 #include "data/dialect_translation.h"
 #include "data/iso_dates.h"
+#include "data/per_key_select.h"
 #include "data/rows_per_key.h"
+#include "data/sqlite_row_order.h"
 #include "data/sqlite_rows_per_key.h"
 
 namespace tidewell::ado {
@@ -86,58 +88,77 @@ Variant IntegerVariant(sqlite3_int64 value) {
   return Variant(static_cast<double>(value));
 }
 
-// A value's text, empty for none.
-std::string_view TextOf(sqlite3_value* value) {
-  const char* text = reinterpret_cast<const char*>(sqlite3_value_text(value));
-  return text ? std::string_view(text, static_cast<size_t>(sqlite3_value_bytes(value)))
-              : std::string_view();
-}
-
 // A column of the current row, read through its sqlite3_value: the sqlite3_column_* calls
 // check the connection's state on each call, some thousands of times for a month view, and a
-// session's connection is only ever used by one thread at a time.
-Variant ReadColumn(sqlite3_stmt* stmt, int column, ColumnKind kind) {
-  sqlite3_value* value = sqlite3_column_value(stmt, column);
-  const int type = sqlite3_value_type(value);
-  if (type == SQLITE_NULL) return Variant(Null{});
-  if (kind == ColumnKind::kBoolean) return Variant(sqlite3_value_int64(value) != 0);
-  if (type == SQLITE_INTEGER) return IntegerVariant(sqlite3_value_int64(value));
-  if (type == SQLITE_FLOAT) return Variant(sqlite3_value_double(value));
-  const std::string_view text = TextOf(value);
-  if (kind == ColumnKind::kDate) {
-    if (std::optional<Date> date = ParseIsoDate(text)) return Variant(*date);
+// session's connection is only ever used by one thread at a time. `stored` is the value as
+// StoredValueOf read it.
+Variant ReadColumn(sqlite3_value* value, const StoredValue& stored, ColumnKind kind) {
+  if (stored.type == SQLITE_NULL) return Variant(Null{});
+  if (kind == ColumnKind::kBoolean) {
+    return Variant((stored.type == SQLITE_INTEGER ? stored.integer : sqlite3_value_int64(value)) !=
+                   0);
   }
-  return Variant(std::string(text));
+  if (stored.type == SQLITE_INTEGER) return IntegerVariant(stored.integer);
+  if (stored.type == SQLITE_FLOAT) return Variant(stored.real);
+  if (kind == ColumnKind::kDate) {
+    if (std::optional<Date> date = ParseIsoDate(stored.bytes)) return Variant(*date);
+  }
+  return Variant(std::string(stored.bytes));
 }
 
-// Adds the column's value to a KeyRuns key, read as its own type so that the value is left
-// as it is for ReadColumn.
-void AppendKeyPart(std::string& key, sqlite3_stmt* stmt, int column) {
-  sqlite3_value* value = sqlite3_column_value(stmt, column);
-  switch (sqlite3_value_type(value)) {
+// Adds a key column's value to a KeyRuns key, read as the table stores it.
+void AppendKeyPart(std::string& key, const StoredValue& value) {
+  switch (value.type) {
     case SQLITE_NULL:
       return KeyRuns::NextKeyPart(key, nullptr, 0);
     case SQLITE_INTEGER: {
-      const std::string number = std::to_string(sqlite3_value_int64(value));
+      const std::string number = std::to_string(value.integer);
       return KeyRuns::NextKeyPart(key, number.data(), number.size());
     }
     case SQLITE_FLOAT: {
-      const std::string number = std::to_string(sqlite3_value_double(value));
+      const std::string number = std::to_string(value.real);
       return KeyRuns::NextKeyPart(key, number.data(), number.size());
     }
-    default: {
-      const std::string_view text = TextOf(value);
-      return KeyRuns::NextKeyPart(key, text.data(), text.size());
-    }
+    default:
+      return KeyRuns::NextKeyPart(key, value.bytes.data(), value.bytes.size());
   }
 }
 
-// The columns' values as the table holds them, to bind them back: a whole number as a whole
-// number (or as the same number in floating point past 32 bits), a text as a text.
-std::vector<Variant> StoredValues(sqlite3_stmt* stmt, const std::vector<int>& columns) {
-  std::vector<Variant> values;
-  for (int column : columns) values.push_back(ReadColumn(stmt, column, ColumnKind::kText));
-  return values;
+// A value as the table holds it, to bind it back: a whole number as a whole number (or as the
+// same number in floating point past 32 bits), a text as a text.
+Variant StoredVariant(const StoredValue& value) {
+  switch (value.type) {
+    case SQLITE_NULL:
+      return Variant(Null{});
+    case SQLITE_INTEGER:
+      return IntegerVariant(value.integer);
+    case SQLITE_FLOAT:
+      return Variant(value.real);
+    default:
+      return Variant(std::string(value.bytes));
+  }
+}
+
+// The current row's values from its columns as stored.
+std::vector<Variant> ReadRowFrom(sqlite3_stmt* stmt, const std::vector<ColumnKind>& kinds,
+                                 const std::vector<StoredValue>& stored) {
+  std::vector<Variant> row;
+  row.reserve(kinds.size());
+  for (size_t c = 0; c < kinds.size(); ++c) {
+    row.push_back(ReadColumn(sqlite3_column_value(stmt, static_cast<int>(c)), stored[c], kinds[c]));
+  }
+  return row;
+}
+
+// Every column of the current row, each read once: `stored` receives them as stored (their
+// bytes valid until the statement steps on), then the row is read from them.
+std::vector<Variant> ReadRow(sqlite3_stmt* stmt, const std::vector<ColumnKind>& kinds,
+                             std::vector<StoredValue>& stored) {
+  stored.resize(kinds.size());
+  for (size_t c = 0; c < kinds.size(); ++c) {
+    stored[c] = StoredValueOf(sqlite3_column_value(stmt, static_cast<int>(c)));
+  }
+  return ReadRowFrom(stmt, kinds, stored);
 }
 
 // The file a session has open, to notice when the path names another file (or none) by the
@@ -175,7 +196,25 @@ struct Reading {
   std::optional<long> row_limit;               // at most this many (the "TOP n" of the statement)
   const RowsPerKey* per_key = nullptr;         // only the first rows of each key when given
   std::vector<CrowdedKey>* crowded = nullptr;  // the keys per_key passed over many rows of
+  // Put in this order here, when given: the statement itself leaves its rows in none.
+  const std::vector<SortColumn>* order = nullptr;
 };
+
+// Whether KeyRuns keeps the row whose key columns (k from 0, in per_key's order) read
+// stored_of(k); a key it passed over kCrowded rows of is noted in reading.crowded.
+template <typename StoredOf>
+bool KeepRow(KeyRuns& runs, const Reading& reading, std::string& key, StoredOf stored_of) {
+  key.clear();
+  const size_t keys = runs.key_columns().size();
+  for (size_t k = 0; k < keys; ++k) AppendKeyPart(key, stored_of(k));
+  if (runs.Keep(key)) return true;
+  if (reading.crowded && runs.PassedOverInRun() == CrowdedKeyReadings::kCrowded) {
+    std::vector<Variant> values;
+    for (size_t k = 0; k < keys; ++k) values.push_back(StoredVariant(stored_of(k)));
+    reading.crowded->push_back({key, std::move(values)});
+  }
+  return false;
+}
 
 class SqliteSession : public Session {
  public:
@@ -356,7 +395,14 @@ class SqliteSession : public Session {
       kept = KeepPerKeyForSqlite(known.text, per_key, known.values.size(), crowded->size());
     }
     if (!kept) {
-      Rows rows = Step(Prepared(known.text), known.values, reading);
+      // Prepared as written all the same, so that it fails as it was written to.
+      sqlite3_stmt* stmt = Prepared(known.text);
+      if (const SortedHere* sorted = SortedHereOf(known.text, per_key)) {
+        stmt = Prepared(sorted->unordered_text);
+        reading.order = &sorted->order;
+        ++counts_.sorted_by_session;
+      }
+      Rows rows = Step(stmt, known.values, reading);
       crowded_keys_.Found(statement, per_key, /*ran_as_written=*/true, std::move(found));
       return rows;
     }
@@ -368,6 +414,47 @@ class SqliteSession : public Session {
     ++counts_.kept_per_key;
     crowded_keys_.Found(statement, per_key, /*ran_as_written=*/false, std::move(found));
     return rows;
+  }
+
+  // A statement that keeps the first rows of each key, read without its ORDER BY and put in
+  // order here (sqlite_row_order.h), with what that takes.
+  struct SortedHere {
+    std::string unordered_text;
+    std::vector<SortColumn> order;
+  };
+  struct SortingPlan {
+    std::vector<std::string> key_columns;  // of the per_key it was made for
+    std::optional<SortedHere> sorted;      // nullopt: SQLite sorts, as written
+  };
+
+  // How to sort the translated statement read with per_key: here, or by SQLite when the
+  // statement's shape (PerKeySelectOf) or an order term's column or collation is one this
+  // session does not know to sort by. Made once per statement.
+  const SortedHere* SortedHereOf(const std::string& translated, const RowsPerKey& per_key) {
+    auto found = sorting_plans_.find(translated);
+    if (found == sorting_plans_.end() || found->second.key_columns != per_key.columns) {
+      if (sorting_plans_.size() >= kTranslationCacheSize) sorting_plans_.clear();
+      found = sorting_plans_.insert_or_assign(translated, PlanSorting(translated, per_key)).first;
+    }
+    return found->second.sorted ? &*found->second.sorted : nullptr;
+  }
+
+  SortingPlan PlanSorting(const std::string& translated, const RowsPerKey& per_key) {
+    SortingPlan plan{.key_columns = per_key.columns, .sorted = std::nullopt};
+    const std::optional<PerKeySelect> select = PerKeySelectOf(translated, per_key);
+    if (!select) return plan;
+    SortedHere sorted{.unordered_text = UnorderedText(*select), .order = {}};
+    sqlite3_stmt* stmt = nullptr;
+    try {
+      stmt = Prepared(sorted.unordered_text);
+    } catch (const DatabaseError&) {
+      return plan;  // as written, where the statement's own failure shows
+    }
+    std::optional<std::vector<SortColumn>> order = SortColumnsOf(db_, stmt, select->order_terms);
+    if (!order) return plan;
+    sorted.order = std::move(*order);
+    plan.sorted = std::move(sorted);
+    return plan;
   }
 
   // Runs the statement and reads its rows as `reading` says.
@@ -388,30 +475,40 @@ class SqliteSession : public Session {
     const Columns& described = ColumnsOf(stmt);
     rows.names = described.names;
     rows.kinds = described.kinds;
-    const int columns = static_cast<int>(rows.names.size());
     const std::optional<long> row_limit = reading.row_limit;
     if (row_limit) rows.values.reserve(static_cast<size_t>(std::clamp(*row_limit, 0L, 64L)));
     std::optional<KeyRuns> runs;
     if (reading.per_key) runs.emplace(*reading.per_key, rows.names);
+    std::optional<RowsToSort> to_sort;
+    if (reading.order) to_sort.emplace(*reading.order);
     std::string key;
+    std::vector<StoredValue> stored;  // the current row's columns
     int code = SQLITE_DONE;
     while ((!row_limit || static_cast<long>(rows.values.size()) < *row_limit) &&
            (code = sqlite3_step(stmt)) == SQLITE_ROW) {
-      if (runs) {
-        key.clear();
-        for (int c : runs->key_columns()) AppendKeyPart(key, stmt, c);
-        if (!runs->Keep(key)) {
-          if (reading.crowded && runs->PassedOverInRun() == CrowdedKeyReadings::kCrowded) {
-            reading.crowded->push_back({key, StoredValues(stmt, runs->key_columns())});
-          }
-          continue;
-        }
+      if (to_sort) {
+        std::vector<Variant> values = ReadRow(stmt, rows.kinds, stored);
+        to_sort->Add(stored) = std::move(values);
+        continue;
       }
-      std::vector<Variant>& row = rows.values.emplace_back();
-      row.reserve(static_cast<size_t>(columns));
-      for (int c = 0; c < columns; ++c) row.push_back(ReadColumn(stmt, c, rows.kinds[c]));
+      if (runs && !KeepRow(*runs, reading, key, [&](size_t k) {
+            return StoredValueOf(sqlite3_column_value(stmt, runs->key_columns()[k]));
+          })) {
+        continue;
+      }
+      rows.values.push_back(ReadRow(stmt, rows.kinds, stored));
     }
     if (code != SQLITE_DONE && code != SQLITE_ROW) RaiseEngineError(sqlite3_extended_errcode(db_));
+    // The order's first terms are the keys' columns (PerKeySelectOf), key k the term k.
+    if (to_sort) {
+      for (size_t row : to_sort->Sorted()) {
+        if (runs &&
+            !KeepRow(*runs, reading, key, [&](size_t k) { return to_sort->Stored(row, k); })) {
+          continue;
+        }
+        rows.values.push_back(std::move(to_sort->Values(row)));
+      }
+    }
     if (!sqlite3_stmt_readonly(stmt)) rows.affected = static_cast<long>(sqlite3_changes(db_));
     return rows;
   }
@@ -441,6 +538,7 @@ class SqliteSession : public Session {
   void LoadColumnKinds() {
     schema_version_ = SchemaVersion();
     translations_.clear();  // they were checked against the columns as they were
+    sorting_plans_.clear();
     columns_.clear();
     date_columns_.clear();
     Rows rows = RunBound(
@@ -471,6 +569,7 @@ class SqliteSession : public Session {
   };
   std::unordered_map<sqlite3_stmt*, Columns> columns_;
   std::unordered_map<std::string, SqliteStatement, TextHash, std::equal_to<>> translations_;
+  std::unordered_map<std::string, SortingPlan, TextHash, std::equal_to<>> sorting_plans_;
   std::map<std::string, bool> date_columns_;
   CrowdedKeyReadings crowded_keys_;
   long schema_version_ = -1;
