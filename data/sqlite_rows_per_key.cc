@@ -77,6 +77,10 @@ const std::vector<CrowdedKey>* CrowdedKeyReadings::ForRun(std::string_view state
   return nullptr;
 }
 
+bool CrowdedKeyReadings::KnowsCrowdedKeys(std::string_view statement, const RowsPerKey& per_key) {
+  return Find(statement, per_key) != nullptr;
+}
+
 void CrowdedKeyReadings::Found(std::string_view statement, const RowsPerKey& per_key,
                                bool ran_as_written, std::vector<CrowdedKey> found) {
   Readings* readings = Find(statement, per_key);

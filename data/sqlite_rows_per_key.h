@@ -63,6 +63,8 @@ class CrowdedKeyReadings {
   // The keys to read on their own in this run of `statement`, valid until the next call; null
   // for a run as written.
   const std::vector<CrowdedKey>* ForRun(std::string_view statement, const RowsPerKey& per_key);
+  // Whether crowded keys of `statement` are known: a run as written is then a probe.
+  bool KnowsCrowdedKeys(std::string_view statement, const RowsPerKey& per_key);
   // After the run: the keys it found crowded. They are added to the keys the run read on its own,
   // or replace every key known when it ran as written.
   void Found(std::string_view statement, const RowsPerKey& per_key, bool ran_as_written,

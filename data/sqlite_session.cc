@@ -88,15 +88,13 @@ Variant IntegerVariant(sqlite3_int64 value) {
   return Variant(static_cast<double>(value));
 }
 
-// A column of the current row, read through its sqlite3_value: the sqlite3_column_* calls
-// check the connection's state on each call, some thousands of times for a month view, and a
-// session's connection is only ever used by one thread at a time. `stored` is the value as
-// StoredValueOf read it.
-Variant ReadColumn(sqlite3_value* value, const StoredValue& stored, ColumnKind kind) {
+// A column of the current row from its value as stored (StoredValueOf): a flag stored as
+// anything but a whole number is read as SQLite converts it.
+Variant ReadColumn(sqlite3_stmt* stmt, int column, const StoredValue& stored, ColumnKind kind) {
   if (stored.type == SQLITE_NULL) return Variant(Null{});
   if (kind == ColumnKind::kBoolean) {
-    return Variant((stored.type == SQLITE_INTEGER ? stored.integer : sqlite3_value_int64(value)) !=
-                   0);
+    if (stored.type == SQLITE_INTEGER) return Variant(stored.integer != 0);
+    return Variant(sqlite3_value_int64(sqlite3_column_value(stmt, column)) != 0);
   }
   if (stored.type == SQLITE_INTEGER) return IntegerVariant(stored.integer);
   if (stored.type == SQLITE_FLOAT) return Variant(stored.real);
@@ -145,13 +143,15 @@ std::vector<Variant> ReadRowFrom(sqlite3_stmt* stmt, const std::vector<ColumnKin
   std::vector<Variant> row;
   row.reserve(kinds.size());
   for (size_t c = 0; c < kinds.size(); ++c) {
-    row.push_back(ReadColumn(sqlite3_column_value(stmt, static_cast<int>(c)), stored[c], kinds[c]));
+    row.push_back(ReadColumn(stmt, static_cast<int>(c), stored[c], kinds[c]));
   }
   return row;
 }
 
-// Every column of the current row, each read once: `stored` receives them as stored (their
-// bytes valid until the statement steps on), then the row is read from them.
+// Every column of the current row, each read once through its sqlite3_value (the
+// sqlite3_column_* calls check the connection's state on each call, some thousands of times
+// for a month view): `stored` receives them as stored, their bytes valid until the statement
+// steps on, and the row is read from them.
 std::vector<Variant> ReadRow(sqlite3_stmt* stmt, const std::vector<ColumnKind>& kinds,
                              std::vector<StoredValue>& stored) {
   stored.resize(kinds.size());
@@ -395,9 +395,14 @@ class SqliteSession : public Session {
       kept = KeepPerKeyForSqlite(known.text, per_key, known.values.size(), crowded->size());
     }
     if (!kept) {
-      // Prepared as written all the same, so that it fails as it was written to.
+      // Prepared as written all the same, so that it fails as it was written to. A probe of a
+      // statement known to be crowded is left to SQLite's sort, after which the session passes
+      // over the crowded keys' rows unread; sorting here reads every row.
       sqlite3_stmt* stmt = Prepared(known.text);
-      if (const SortedHere* sorted = SortedHereOf(known.text, per_key)) {
+      const SortedHere* sorted = crowded_keys_.KnowsCrowdedKeys(statement, per_key)
+                                     ? nullptr
+                                     : SortedHereOf(known.text, per_key);
+      if (sorted) {
         stmt = Prepared(sorted->unordered_text);
         reading.order = &sorted->order;
         ++counts_.sorted_by_session;

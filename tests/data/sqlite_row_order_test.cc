@@ -13,6 +13,7 @@
 
 #include "data/connection_string.h"
 #include "data/per_key_select.h"
+#include "data/sqlite_rows_per_key.h"
 #include "data/sqlite_session.h"
 #include "runtime/conversions.h"
 #include "tests/data/engines.h"
@@ -160,6 +161,22 @@ TEST_F(SqliteRowOrder, EveryOrderOfEveryKindOfValueIsSQLitesOwn) {
       EXPECT_TRUE(by_session.values == KeepPerKey(by_sqlite, per_key).values) << statement;
     }
   }
+}
+
+// A run as written that probes a statement known to be crowded is sorted by SQLite, so that
+// the crowded keys' rows are passed over unread.
+TEST_F(SqliteRowOrder, AProbeOfACrowdedStatementIsLeftToSQLite) {
+  const std::string statement = "SELECT ID, Grp, Folded FROM Mixed ORDER BY Grp, Folded, ID";
+  const RowsPerKey per_key{{"Grp"}, 2};
+  const Rows by_sqlite = session_->Run(statement);
+  session_->Run(statement, per_key);  // finds the groups crowded
+  const StatementCounts before = session_->Counts();
+  for (int run = 0; run < CrowdedKeyReadings::kProbeInterval; ++run) {
+    EXPECT_EQ(Ids(session_->Run(statement, per_key)), Ids(KeepPerKey(by_sqlite, per_key))) << run;
+  }
+  const StatementCounts after = session_->Counts();
+  EXPECT_EQ(after.sorted_by_session, before.sorted_by_session);
+  EXPECT_EQ(after.kept_per_key - before.kept_per_key, CrowdedKeyReadings::kProbeInterval - 1);
 }
 
 TEST_F(SqliteRowOrder, AnOrderItDoesNotKnowIsLeftToSQLite) {

@@ -103,13 +103,16 @@ TEST(CrowdedKeyReadings, ReadsTheKeysARunAsWrittenFoundCrowdedUntilTheNextProbe)
   EXPECT_EQ(readings.ForRun(month, kByDay), nullptr);
   readings.Found(month, kByDay, /*ran_as_written=*/true, {});
   EXPECT_EQ(readings.ForRun(month, kByDay), nullptr);
+  EXPECT_FALSE(readings.KnowsCrowdedKeys(month, kByDay));
   readings.Found(month, kByDay, /*ran_as_written=*/true, {Key("25"), Key("26")});
+  EXPECT_TRUE(readings.KnowsCrowdedKeys(month, kByDay));
   for (int run = 1; run < CrowdedKeyReadings::kProbeInterval; ++run) {
     EXPECT_EQ(RunsKeys(readings.ForRun(month, kByDay)), (std::vector<std::string>{"25", "26"}))
         << run;
     readings.Found(month, kByDay, /*ran_as_written=*/false, {});
   }
   EXPECT_EQ(readings.ForRun(month, kByDay), nullptr);  // the probe, as written
+  EXPECT_TRUE(readings.KnowsCrowdedKeys(month, kByDay));
   readings.Found(month, kByDay, /*ran_as_written=*/true, {Key("26")});
   EXPECT_EQ(RunsKeys(readings.ForRun(month, kByDay)), std::vector<std::string>{"26"});
   EXPECT_EQ(readings.ForRun("SELECT ... December", kByDay), nullptr);
