@@ -63,6 +63,10 @@ class Session {
 
   // False once the link to the engine broke: the pool then drops the session.
   virtual bool Reusable() const { return true; }
+  // Whether the session may go back to the pool when its holder is done with it. It is checked
+  // with Reusable again before it is handed out, so a provider may leave out here what costs a
+  // call to the system.
+  virtual bool Returnable() const { return Reusable(); }
 
   virtual StatementCounts Counts() const { return {}; }
 };

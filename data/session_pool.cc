@@ -67,9 +67,9 @@ std::pair<std::string, SessionFactory> FindProvider(Registry& registry, const st
 }
 
 [[noreturn]] void RaiseBadPoolSetting(const std::string& key, const std::string& value) {
-  throw DatabaseError(error_numbers::kInvalidArgument,
-                      "The connection string's " + key + " must be a whole number above 0, not \"" +
-                          value + "\".");
+  throw DatabaseError(
+      error_numbers::kInvalidArgument,
+      "The connection string's " + key + " must be a whole number above 0, not \"" + value + "\".");
 }
 
 // Takes the pool's own keys out of the settings and reads them.
@@ -186,7 +186,7 @@ std::unique_ptr<Session> AcquireSession(const std::string& connection_string,
 
 void ReleaseSession(const std::string& connection_string, std::unique_ptr<Session> session) {
   Registry& registry = TheRegistry();
-  if (session && session->Reusable()) {
+  if (session && session->Returnable()) {
     {
       std::lock_guard lock(registry.mutex);
       registry.pools[connection_string].idle.push_back(std::move(session));

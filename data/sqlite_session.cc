@@ -250,10 +250,10 @@ class SqliteSession : public Session {
 
   // A session inside a transaction, or on a file that was removed or replaced since the
   // session opened it, is not served again.
-  bool Reusable() const override {
-    if (sqlite3_get_autocommit(db_) == 0) return false;
-    return !file_ || IdentityOf(path_) == file_;
-  }
+  bool Reusable() const override { return Returnable() && (!file_ || IdentityOf(path_) == file_); }
+
+  // The file is looked at when the session is handed out again: once a request, not twice.
+  bool Returnable() const override { return sqlite3_get_autocommit(db_) != 0; }
 
   std::vector<std::string> KeyColumns(std::string_view table) override {
     Rows rows = RunBound("SELECT name FROM pragma_table_info(?1) WHERE pk > 0 ORDER BY pk",

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <cstdio>
+#include <fstream>
 #include <thread>
 
 #include "data/database_error.h"
@@ -49,6 +51,28 @@ TEST(PoolStats, CountSessionsInUseIdleAndRequestsWaiting) {
   EXPECT_EQ(released.idle, before.idle + 1);
   ado::ReleaseSession(pooled, std::move(second));
   EXPECT_EQ(ado::PoolStatistics().in_use, before.in_use);
+}
+
+// A session goes back to the pool without a look at its file; it is looked at before the
+// session is handed out again, and a session whose file was replaced meanwhile is closed.
+TEST(PoolStats, ASessionWhoseFileWasReplacedIsClosedInsteadOfHandedOutAgain) {
+  testing::SqliteEngine engine;
+  engine.Start();
+  const std::string path = engine.folder.path() + "/calendar.db";
+  std::unique_ptr<ado::Session> session = ado::AcquireSession(engine.connection_string, nullptr);
+  session->RunBound("CREATE TABLE Marker (Name TEXT)", {});
+  EXPECT_TRUE(session->Reusable());
+  // Another file moved over the path, as an operator putting a copy back might.
+  { std::ofstream(path + ".other") << ""; }
+  ASSERT_EQ(std::rename((path + ".other").c_str(), path.c_str()), 0);
+  EXPECT_TRUE(session->Returnable());
+  EXPECT_FALSE(session->Reusable());
+  ado::ReleaseSession(engine.connection_string, std::move(session));
+
+  std::unique_ptr<ado::Session> next = ado::AcquireSession(engine.connection_string, nullptr);
+  EXPECT_FALSE(next->TableExists("Marker"));
+  ado::ReleaseSession(engine.connection_string, std::move(next));
+  ado::ClosePooledSessions();
 }
 
 }  // namespace
