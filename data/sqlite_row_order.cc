@@ -66,6 +66,10 @@ int CompareNoCase(std::string_view a, std::string_view b) {
   return CompareValues(a.size(), b.size());
 }
 
+int CompareTexts(std::string_view a, std::string_view b, Collation collation) {
+  return collation == Collation::kNoCase ? CompareNoCase(a, b) : CompareBytes(a, b);
+}
+
 }  // namespace
 
 StoredValue StoredValueOf(sqlite3_value* value) {
@@ -101,8 +105,7 @@ int CompareStored(const StoredValue& a, const StoredValue& b, Collation collatio
       case SQLITE_INTEGER:
         return CompareValues(a.integer, b.integer);
       case SQLITE_TEXT:
-        return collation == Collation::kNoCase ? CompareNoCase(a.bytes, b.bytes)
-                                               : CompareBytes(a.bytes, b.bytes);
+        return CompareTexts(a.bytes, b.bytes, collation);
       default:
         break;
     }
@@ -115,8 +118,7 @@ int CompareStored(const StoredValue& a, const StoredValue& b, Collation collatio
     case 1:
       return CompareNumbers(a, b);
     case 2:
-      return collation == Collation::kNoCase ? CompareNoCase(a.bytes, b.bytes)
-                                             : CompareBytes(a.bytes, b.bytes);
+      return CompareTexts(a.bytes, b.bytes, collation);
     default:
       return CompareBytes(a.bytes, b.bytes);
   }
