@@ -2,6 +2,8 @@
 
 #include <string.h>
 
+#include <cstring>
+
 namespace tidewell {
 
 std::vector<std::string> Split(std::string_view text, char delimiter) {
@@ -57,6 +59,23 @@ std::string Replace(std::string text, std::string_view find, std::string_view re
   if (find.empty()) return text;
   size_t at = Find(text, find, 0);
   if (at == std::string_view::npos) return text;
+  if (replacement.size() <= find.size()) {
+    // Nothing grows: the text is closed up in its own buffer, which keeps its spare room (a
+    // page's height written in goes on to have more appended).
+    char* const data = text.data();
+    size_t to = at;
+    size_t from = at;
+    for (; at != std::string_view::npos; at = Find(text, find, from)) {
+      std::memmove(data + to, data + from, at - from);
+      to += at - from;
+      std::memcpy(data + to, replacement.data(), replacement.size());
+      to += replacement.size();
+      from = at + find.size();
+    }
+    std::memmove(data + to, data + from, text.size() - from);
+    text.resize(to + text.size() - from);
+    return text;
+  }
   std::string replaced;
   replaced.reserve(text.size() + replacement.size());
   size_t from = 0;

@@ -18,9 +18,9 @@ bool EqualsIgnoringCase(std::string_view a, std::string_view b);
 std::string Lower(std::string_view text);
 
 // The run time's Replace: every occurrence of `find`, left to right, with `replacement`; text
-// a replacement wrote is not searched again. An empty `find` changes nothing. The text is
-// copied once whatever the number of occurrences, so a page of tens of kilobytes costs one
-// pass.
+// a replacement wrote is not searched again. An empty `find` changes nothing. A page of tens
+// of kilobytes costs one pass whatever the number of occurrences: a replacement no longer than
+// `find` closes the text up in its own buffer, keeping its spare room; a longer one copies it.
 std::string Replace(std::string text, std::string_view find, std::string_view replacement);
 
 }  // namespace tidewell
