@@ -17,6 +17,6 @@ std::string DefaultPageTemplate();
 bool IsPageTemplate(std::string_view text);
 
 // The template with the marker replaced by the component's output.
-std::string FillPageTemplate(std::string_view page_template, std::string_view component_output);
+std::string FillPageTemplate(std::string_view page_template, std::string component_output);
 
 }  // namespace tidewell
