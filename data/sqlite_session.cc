@@ -88,9 +88,12 @@ Variant IntegerVariant(sqlite3_int64 value) {
   return Variant(static_cast<double>(value));
 }
 
-// A column of the current row from its value as stored (StoredValueOf): a flag stored as
-// anything but a whole number is read as SQLite converts it.
-Variant ReadColumn(sqlite3_stmt* stmt, int column, const StoredValue& stored, ColumnKind kind) {
+// A column's value from what StoredValueOf read, as `kind` reads it. A flag stored as
+// anything but a whole number is read again through the column's sqlite3_value (column
+// `column` of `stmt`), as SQLite converts it; no other kind touches the statement. With
+// kText, the value as the table holds it, to bind it back: a whole number as a whole number
+// (or as the same number in floating point past 32 bits), a text as a text.
+Variant ReadColumn(const StoredValue& stored, ColumnKind kind, sqlite3_stmt* stmt, int column) {
   if (stored.type == SQLITE_NULL) return Variant(Null{});
   if (kind == ColumnKind::kBoolean) {
     if (stored.type == SQLITE_INTEGER) return Variant(stored.integer != 0);
@@ -122,32 +125,6 @@ void AppendKeyPart(std::string& key, const StoredValue& value) {
   }
 }
 
-// A value as the table holds it, to bind it back: a whole number as a whole number (or as the
-// same number in floating point past 32 bits), a text as a text.
-Variant StoredVariant(const StoredValue& value) {
-  switch (value.type) {
-    case SQLITE_NULL:
-      return Variant(Null{});
-    case SQLITE_INTEGER:
-      return IntegerVariant(value.integer);
-    case SQLITE_FLOAT:
-      return Variant(value.real);
-    default:
-      return Variant(std::string(value.bytes));
-  }
-}
-
-// The current row's values from its columns as stored.
-std::vector<Variant> ReadRowFrom(sqlite3_stmt* stmt, const std::vector<ColumnKind>& kinds,
-                                 const std::vector<StoredValue>& stored) {
-  std::vector<Variant> row;
-  row.reserve(kinds.size());
-  for (size_t c = 0; c < kinds.size(); ++c) {
-    row.push_back(ReadColumn(stmt, static_cast<int>(c), stored[c], kinds[c]));
-  }
-  return row;
-}
-
 // Every column of the current row, each read once through its sqlite3_value (the
 // sqlite3_column_* calls check the connection's state on each call, some thousands of times
 // for a month view): `stored` receives them as stored, their bytes valid until the statement
@@ -158,7 +135,12 @@ std::vector<Variant> ReadRow(sqlite3_stmt* stmt, const std::vector<ColumnKind>& 
   for (size_t c = 0; c < kinds.size(); ++c) {
     stored[c] = StoredValueOf(sqlite3_column_value(stmt, static_cast<int>(c)));
   }
-  return ReadRowFrom(stmt, kinds, stored);
+  std::vector<Variant> row;
+  row.reserve(kinds.size());
+  for (size_t c = 0; c < kinds.size(); ++c) {
+    row.push_back(ReadColumn(stored[c], kinds[c], stmt, static_cast<int>(c)));
+  }
+  return row;
 }
 
 // The file a session has open, to notice when the path names another file (or none) by the
@@ -210,7 +192,9 @@ bool KeepRow(KeyRuns& runs, const Reading& reading, std::string& key, StoredOf s
   if (runs.Keep(key)) return true;
   if (reading.crowded && runs.PassedOverInRun() == CrowdedKeyReadings::kCrowded) {
     std::vector<Variant> values;
-    for (size_t k = 0; k < keys; ++k) values.push_back(StoredVariant(stored_of(k)));
+    for (size_t k = 0; k < keys; ++k) {
+      values.push_back(ReadColumn(stored_of(k), ColumnKind::kText, nullptr, 0));
+    }
     reading.crowded->push_back({key, std::move(values)});
   }
   return false;
