@@ -1,7 +1,7 @@
 #include "views/view_lists.h"
 
+#include <algorithm>
 #include <cmath>
-#include <map>
 #include <string>
 #include <utility>
 #include <vector>
@@ -63,8 +63,12 @@ void ViewLists::ReadAll() {
   ado::Recordset rs;
   rs.Open(statement, ListConnection(page_));
 
-  std::map<CellKey, size_t> cell_of;
-  for (size_t i = 0; i < cells_.size(); ++i) cell_of.emplace(KeyOf(cells_[i]), i);
+  // The cells by key, looked up with the cell of the row before first: rows come cell by cell.
+  std::vector<std::pair<CellKey, size_t>> cell_of;
+  cell_of.reserve(cells_.size());
+  for (size_t i = 0; i < cells_.size(); ++i) cell_of.emplace_back(KeyOf(cells_[i]), i);
+  std::sort(cell_of.begin(), cell_of.end());
+  auto last_cell = cell_of.end();
   std::vector<long> fetched(cells_.size(), 0);
   const ItemReader reader(rs, /*time_table=*/false);
   ado::Field date_stamp = rs.Fields("DateStamp");
@@ -72,8 +76,12 @@ void ViewLists::ReadAll() {
   // The rows come in the lists' order, so each cell's rows come in its own list's order.
   for (; !rs.Eof(); rs.MoveNext()) {
     const CellKey key{DayOf(CDate(date_stamp.Value())), by_hour ? CLng(time_stamp.Value()) : -1};
-    const auto cell = cell_of.find(key);
-    if (cell == cell_of.end()) continue;  // cannot happen: every row met one cell's condition
+    if (last_cell == cell_of.end() || last_cell->first != key) {
+      last_cell = std::lower_bound(cell_of.begin(), cell_of.end(), std::pair(key, size_t{0}));
+      // Cannot happen: every row met one cell's condition.
+      if (last_cell == cell_of.end() || last_cell->first != key) continue;
+    }
+    const auto cell = last_cell;
     DayList& list = lists_[cell->second];
     // The statement keeps a cell's first `fetched` rows (KeepPerKey); the list shows the first
     // `shown` and tells of more when it was given all `fetched`.
