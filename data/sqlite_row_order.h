@@ -3,6 +3,7 @@
 #include <sqlite3.h>
 
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -62,26 +63,23 @@ class RowsToSort {
   // After the last row: the rows' positions, first to last in the order; rows level in every
   // term keep the order they came in.
   std::vector<size_t> Sorted();
-  // The stored value of sort term `term` in row `row`, once sorted.
+  // The stored value of sort term `term` in row `row`.
   const StoredValue& Stored(size_t row, size_t term) const {
     return keys_[row * order_.size() + term];
   }
   std::vector<Variant>& Values(size_t row) { return rows_[row]; }
 
  private:
-  // A sort column's value while rows are added: its bytes are copied to bytes_, which may
-  // move until the last row is in.
-  struct AddedKey {
-    StoredValue value;  // without its bytes
-    size_t offset;
-    size_t size;
-  };
+  // Where a sort column's bytes are copied as its row is added: blocks that never move, so
+  // the keys can point into them from the start.
+  std::string_view KeepBytes(std::string_view bytes);
 
   const std::vector<SortColumn>& order_;
   std::vector<std::vector<Variant>> rows_;
-  std::vector<AddedKey> added_;
-  std::string bytes_;
-  std::vector<StoredValue> keys_;  // order_.size() for each row, once sorted
+  std::vector<std::unique_ptr<char[]>> blocks_;
+  char* block_free_ = nullptr;
+  size_t block_left_ = 0;
+  std::vector<StoredValue> keys_;  // order_.size() for each row
 };
 
 }  // namespace tidewell::ado
