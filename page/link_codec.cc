@@ -75,12 +75,19 @@ class RecentKeys {
 
 // The key as a link carries it: signed over its account's stamp (link_keys.h), then encoded;
 // an empty key stays empty. A key whose account the page never read is signed over an empty
-// stamp, which no account has, so that link opens nothing.
-void AppendKey(std::string& link, const Page& page, std::string_view key, bool hex) {
-  if (key.empty()) return;
+// stamp, which no account has, so that link opens nothing. The text lasts until the thread's
+// next call.
+const std::string& EncodedKey(const Page& page, std::string_view key, bool hex) {
+  static const std::string kNoKey;
+  if (key.empty()) return kNoKey;
   thread_local RecentKeys recent;
   const std::string* stamp = page.Stamps.Find(key);
-  link += recent.Encoded(page.signing, key, stamp ? *stamp : std::string_view(), hex);
+  return recent.Encoded(page.signing, key, stamp ? *stamp : std::string_view(), hex);
+}
+
+// The fields' separator, "~", as the link carries it.
+void AppendSeparator(std::string& out, bool hex) {
+  out += hex ? std::string_view("7E") : std::string_view("~");
 }
 
 // A field's text by the run time's rules, encoded straight after what is there: text and
@@ -109,16 +116,19 @@ void AppendLink(std::string& out, const Page& page, const Variant& f1, const Var
   out += page.ScriptName;
   out += "WS=";
   for (const Variant* field : {&f1, &f2, &f3, &f4}) {
-    AppendEncoded(out, "~", hex);
+    AppendSeparator(out, hex);
     AppendEncodedField(out, *field, hex);
   }
-  AppendEncoded(out, "~", hex);
-  AppendKey(out, page, f5, hex);
-  AppendEncoded(out, "~", hex);
+  AppendSeparator(out, hex);
+  const std::string& user_key = EncodedKey(page, f5, hex);
+  out += user_key;
+  AppendSeparator(out, hex);
   AppendEncodedField(out, f6, hex);
-  AppendEncoded(out, "~", hex);
-  AppendKey(out, page, f7, hex);
-  AppendEncoded(out, "~", hex);
+  AppendSeparator(out, hex);
+  // An administrator's links carry his key twice, as user and as administrator: it is signed
+  // and encoded once.
+  out += f7 == f5 ? user_key : EncodedKey(page, f7, hex);
+  AppendSeparator(out, hex);
   AppendEncoded(out, suffix, hex);
 }
 
