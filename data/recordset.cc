@@ -257,6 +257,11 @@ std::vector<Variant>& Recordset::CurrentRow() {
 }
 
 const Variant& Recordset::ValueOf(size_t column) {
+  // A value of a row as read, unassigned, first: a view reads some thousands.
+  if (open_ && !added_row_ && !rows_deferred_ && current_ < rows_.size() &&
+      (column >= assigned_.size() || !assigned_[column])) {
+    return rows_[current_][column];
+  }
   RequireOpen();
   if (column < assigned_.size() && assigned_[column]) return *assigned_[column];
   return CurrentRow()[column];
