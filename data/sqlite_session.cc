@@ -80,31 +80,39 @@ ColumnKind KindOfDeclaredType(const char* declared) {
   return ColumnKind::kOther;
 }
 
-Variant IntegerVariant(sqlite3_int64 value) {
+// A whole number as the run time holds it: in 32 bits, or past them in floating point.
+void AppendInteger(std::vector<Variant>& row, sqlite3_int64 value) {
   if (value >= std::numeric_limits<int32_t>::min() &&
       value <= std::numeric_limits<int32_t>::max()) {
-    return Variant(static_cast<long>(value));
+    row.emplace_back(static_cast<long>(value));
+  } else {
+    row.emplace_back(static_cast<double>(value));
   }
-  return Variant(static_cast<double>(value));
 }
 
-// A column's value from what StoredValueOf read, as `kind` reads it. A flag stored as
-// anything but a whole number is read again through the column's sqlite3_value (column
-// `column` of `stmt`), as SQLite converts it; no other kind touches the statement. With
-// kText, the value as the table holds it, to bind it back: a whole number as a whole number
-// (or as the same number in floating point past 32 bits), a text as a text.
-Variant ReadColumn(const StoredValue& stored, ColumnKind kind, sqlite3_stmt* stmt, int column) {
-  if (stored.type == SQLITE_NULL) return Variant(Null{});
-  if (kind == ColumnKind::kBoolean) {
-    if (stored.type == SQLITE_INTEGER) return Variant(stored.integer != 0);
-    return Variant(sqlite3_value_int64(sqlite3_column_value(stmt, column)) != 0);
+// Appends a column's value from what StoredValueOf read, as `kind` reads it, made in its place
+// in the row. A flag stored as anything but a whole number is read again through the column's
+// sqlite3_value (column `column` of `stmt`), as SQLite converts it; no other kind touches the
+// statement. With kText, the value as the table holds it, to bind it back: a whole number as
+// a whole number (or as the same number in floating point past 32 bits), a text as a text.
+void AppendColumn(std::vector<Variant>& row, const StoredValue& stored, ColumnKind kind,
+                  sqlite3_stmt* stmt, int column) {
+  if (stored.type == SQLITE_NULL) {
+    row.emplace_back(Null{});
+  } else if (kind == ColumnKind::kBoolean) {
+    row.emplace_back(stored.type == SQLITE_INTEGER
+                         ? stored.integer != 0
+                         : sqlite3_value_int64(sqlite3_column_value(stmt, column)) != 0);
+  } else if (stored.type == SQLITE_INTEGER) {
+    AppendInteger(row, stored.integer);
+  } else if (stored.type == SQLITE_FLOAT) {
+    row.emplace_back(stored.real);
+  } else if (std::optional<Date> date;
+             kind == ColumnKind::kDate && (date = ParseIsoDate(stored.bytes))) {
+    row.emplace_back(*date);
+  } else {
+    row.emplace_back(stored.bytes);
   }
-  if (stored.type == SQLITE_INTEGER) return IntegerVariant(stored.integer);
-  if (stored.type == SQLITE_FLOAT) return Variant(stored.real);
-  if (kind == ColumnKind::kDate) {
-    if (std::optional<Date> date = ParseIsoDate(stored.bytes)) return Variant(*date);
-  }
-  return Variant(std::string(stored.bytes));
 }
 
 // Adds a key column's value to a KeyRuns key, read as the table stores it.
@@ -138,7 +146,7 @@ std::vector<Variant> ReadRow(sqlite3_stmt* stmt, const std::vector<ColumnKind>& 
   std::vector<Variant> row;
   row.reserve(kinds.size());
   for (size_t c = 0; c < kinds.size(); ++c) {
-    row.push_back(ReadColumn(stored[c], kinds[c], stmt, static_cast<int>(c)));
+    AppendColumn(row, stored[c], kinds[c], stmt, static_cast<int>(c));
   }
   return row;
 }
@@ -193,7 +201,7 @@ bool KeepRow(KeyRuns& runs, const Reading& reading, std::string& key, StoredOf s
   if (reading.crowded && runs.PassedOverInRun() == CrowdedKeyReadings::kCrowded) {
     std::vector<Variant> values;
     for (size_t k = 0; k < keys; ++k) {
-      values.push_back(ReadColumn(stored_of(k), ColumnKind::kText, nullptr, 0));
+      AppendColumn(values, stored_of(k), ColumnKind::kText, nullptr, 0);
     }
     reading.crowded->push_back({key, std::move(values)});
   }

@@ -33,8 +33,8 @@ class Variant {
   Variant(long n) : value_(static_cast<int32_t>(n)) {}
   Variant(double d) : value_(d) {}
   Variant(std::string s) : value_(std::move(s)) {}
-  Variant(const char* s) : value_(std::string(s)) {}
-  Variant(std::string_view s) : value_(std::string(s)) {}
+  Variant(const char* s) : value_(std::in_place_type<std::string>, s) {}
+  Variant(std::string_view s) : value_(std::in_place_type<std::string>, s) {}
   Variant(Date d) : value_(d) {}
 
   Type type() const { return static_cast<Type>(value_.index()); }
