@@ -27,10 +27,14 @@ LinkScreen ScreenSteppingTo(long screen, Step step) {
 
 void AppendLinkTo(std::string& out, const Page& page, const LinkScreen& screen,
                   const LinkChanges& changes) {
-  AppendLink(out, page, ScreenField(screen), changes.date ? *changes.date : page.CurrentDate,
-             changes.hour ? *changes.hour : Variant(page.CurrentHour), changes.item, page.UserKey,
-             changes.sort ? *changes.sort : Variant(page.SortOrder), page.AdminKey,
-             changes.suffix);
+  // The page's own values only where the link keeps them: a month view writes some hundreds
+  // of links, most with a date and hour of their own.
+  const Variant page_date = changes.date ? Variant() : Variant(page.CurrentDate);
+  const Variant page_hour = changes.hour ? Variant() : Variant(page.CurrentHour);
+  const Variant page_sort = changes.sort ? Variant() : Variant(page.SortOrder);
+  AppendLink(out, page, ScreenField(screen), changes.date ? *changes.date : page_date,
+             changes.hour ? *changes.hour : page_hour, changes.item, page.UserKey,
+             changes.sort ? *changes.sort : page_sort, page.AdminKey, changes.suffix);
 }
 
 std::string LinkTo(const Page& page, const LinkScreen& screen, const LinkChanges& changes) {
