@@ -2,6 +2,9 @@
 
 #include <strings.h>
 
+#include <charconv>
+#include <iterator>
+
 #include "data/database_error.h"
 #include "data/session.h"
 #include "runtime/conversions.h"
@@ -38,7 +41,9 @@ void KeyRuns::NextKeyPart(std::string& key, const char* text, size_t size) {
     key += "N;";
     return;
   }
-  key += std::to_string(size);
+  char digits[24];
+  const auto written = std::to_chars(std::begin(digits), std::end(digits), size);
+  key.append(digits, written.ptr);
   key += ':';
   key.append(text, size);
 }

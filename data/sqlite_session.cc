@@ -8,8 +8,10 @@
 #include <algorithm>
 #include <cctype>
 #include <cerrno>
+#include <charconv>
 #include <chrono>
 #include <cstring>
+#include <iterator>
 #include <limits>
 #include <list>
 #include <map>
@@ -121,8 +123,9 @@ void AppendKeyPart(std::string& key, const StoredValue& value) {
     case SQLITE_NULL:
       return KeyRuns::NextKeyPart(key, nullptr, 0);
     case SQLITE_INTEGER: {
-      const std::string number = std::to_string(value.integer);
-      return KeyRuns::NextKeyPart(key, number.data(), number.size());
+      char digits[24];
+      const auto written = std::to_chars(std::begin(digits), std::end(digits), value.integer);
+      return KeyRuns::NextKeyPart(key, digits, static_cast<size_t>(written.ptr - digits));
     }
     case SQLITE_FLOAT: {
       const std::string number = std::to_string(value.real);
