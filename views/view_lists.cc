@@ -81,8 +81,8 @@ void ViewLists::ReadAll() {
       // Cannot happen: every row met one cell's condition.
       if (last_cell == cell_of.end() || last_cell->first != key) continue;
     }
-    const auto cell = last_cell;
-    DayList& list = lists_[cell->second];
+    const size_t cell = last_cell->second;
+    DayList& list = lists_[cell];
     // The statement keeps a cell's first `fetched` rows (KeepPerKey); the list shows the first
     // `shown` and tells of more when it was given all `fetched`.
     if (static_cast<long>(list.rows.size()) < limit.shown) {
@@ -90,7 +90,7 @@ void ViewLists::ReadAll() {
       if (list.rows.empty()) list.rows.reserve(static_cast<size_t>(limit.shown));
       list.rows.push_back(reader.Read());
     }
-    list.more = ++fetched[cell->second] >= limit.fetched;
+    list.more = ++fetched[cell] >= limit.fetched;
   }
   rs.Close();
 }
