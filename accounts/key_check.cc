@@ -35,6 +35,10 @@ bool Confirmed(Page& page, const SignedKey& key) {
   return true;
 }
 
+bool IsSameSignedKey(const SignedKey& a, const SignedKey& b) {
+  return a.key == b.key && a.signed_part == b.signed_part && a.mac == b.mac;
+}
+
 void SettleStamp(Page& page, const std::string& key) {
   if (key.empty() || page.Stamps.Find(key)) return;
   if (std::optional<std::string> stamp = ReadStamp(page, key)) page.Stamps.Set(key, *stamp);
@@ -56,11 +60,19 @@ void RejectAdminKey(Page& page) {
 
 void ConfirmLinkKeys(Page& page) {
   try {
-    if (page.UserKeyInLink && !Confirmed(page, *page.UserKeyInLink)) {
-      ++page.LinkKeysRefused;
-      RejectUserKey(page);
+    bool user_key_confirmed = false;
+    if (page.UserKeyInLink) {
+      user_key_confirmed = Confirmed(page, *page.UserKeyInLink);
+      if (!user_key_confirmed) {
+        ++page.LinkKeysRefused;
+        RejectUserKey(page);
+      }
     }
-    if (page.AdminKeyInLink && !Confirmed(page, *page.AdminKeyInLink)) {
+    // An administrator on his own calendar carries one signed key in both fields: its
+    // signature is worked out once.
+    const bool confirmed_as_user_key = user_key_confirmed && page.AdminKeyInLink &&
+                                       IsSameSignedKey(*page.AdminKeyInLink, *page.UserKeyInLink);
+    if (page.AdminKeyInLink && !confirmed_as_user_key && !Confirmed(page, *page.AdminKeyInLink)) {
       ++page.LinkKeysRefused;
       RejectAdminKey(page);
     }

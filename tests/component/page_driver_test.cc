@@ -22,7 +22,8 @@ class PageDriver : public ::testing::Test {
   void SetUp() override {
     SetFixedNow(Combine(DateSerial(2026, 11, 21), TimeSerial(14, 5, 0)));
     long crew = database_.AddGroup("Crew");
-    database_.AddUser({.name = "admin", .password = "pw", .group = crew, .administrator = true});
+    admin_ = database_.AddUser(
+        {.name = "admin", .password = "pw", .group = crew, .administrator = true});
     bob_ = database_.AddUser({.name = "bob", .password = "pw", .group = crew});
     visit_.component.SetConnectionString(database_.connection_string());
     visit_.component.SetLinkSigning(kSigning);
@@ -36,9 +37,11 @@ class PageDriver : public ::testing::Test {
   }
   // Bob's key as a link carries it: signed, so that the screen of the link stands.
   std::string BobInLink() const { return SignKey(kSigning, bob_, database_.StampOf(bob_)); }
+  std::string AdminInLink() const { return SignKey(kSigning, admin_, database_.StampOf(admin_)); }
 
   const LinkSigning kSigning{"test secret", 3600};
   testing::SeededDatabase database_;
+  std::string admin_;
   std::string bob_;
   FakeVisit visit_;
 };
@@ -198,6 +201,27 @@ TEST_F(PageDriver, ForgedAdministratorKeyIsDroppedAndRemembered) {
   const Page& page = ShowLink("~0~11/3/2026~9~0~~~0123456789abcdef0123456789abcdef~");
   EXPECT_EQ(page.AdminKey, "");
   EXPECT_TRUE(page.AdminKeyRejected);
+}
+
+// An administrator on his own calendar carries one signed key in both fields.
+TEST_F(PageDriver, OneSignedKeyInBothFieldsIsKeptInBoth) {
+  const std::string key = AdminInLink();
+  const Page& page = ShowLink("~2~11/3/2026~9~0~" + key + "~~" + key + "~");
+  EXPECT_EQ(page.UserKey, admin_);
+  EXPECT_EQ(page.AdminKey, admin_);
+  EXPECT_FALSE(page.AdminKeyRejected);
+  EXPECT_EQ(page.LinkKeysRefused, 0);
+}
+
+// The user key signed otherwise in the administrator field is checked on its own.
+TEST_F(PageDriver, TheUserKeyWithAnotherSignatureAsAdministratorKeyIsDropped) {
+  const std::string key = AdminInLink();
+  std::string forged = key;
+  forged.back() = forged.back() == '7' ? '8' : '7';
+  const Page& page = ShowLink("~2~11/3/2026~9~0~" + key + "~~" + forged + "~");
+  EXPECT_EQ(page.UserKey, admin_);
+  EXPECT_TRUE(page.AdminKeyRejected);
+  EXPECT_EQ(page.LinkKeysRefused, 1);
 }
 
 TEST_F(PageDriver, HexOffReadsPlainLinks) {
