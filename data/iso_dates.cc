@@ -2,6 +2,7 @@
 
 #include <cctype>
 #include <cstdio>
+#include <string>
 
 #include "runtime/dates.h"
 
@@ -58,21 +59,8 @@ std::optional<Date> MakeDate(int year, int month, int day, const TimeOfDay& time
   return Combine(DateSerial(year, month, day), TimeSerial(time.hour, time.minute, time.second));
 }
 
-}  // namespace
-
-std::string IsoDateText(Date value) {
-  char text[32];
-  const YearMonthDay day = CalendarDay(value);
-  std::snprintf(text, sizeof text, "%04d-%02d-%02d", day.year, day.month, day.day);
-  std::string result = text;
-  if (HasTimeOfDay(value)) {
-    std::snprintf(text, sizeof text, " %02d:%02d:%02d", Hour(value), Minute(value), Second(value));
-    result += text;
-  }
-  return result;
-}
-
-std::optional<Date> ParseIsoDate(std::string_view text) {
+// ParseIsoDate without the thread's last date.
+std::optional<Date> ReadIsoDate(std::string_view text) {
   auto year = TakeNumber(text, 4);
   if (!year || !TakeChar(text, '-')) return std::nullopt;
   auto month = TakeNumber(text, 2);
@@ -95,6 +83,31 @@ std::optional<Date> ParseIsoDate(std::string_view text) {
   }
   if (!text.empty()) return std::nullopt;
   return MakeDate(*year, *month, *day, time);
+}
+
+}  // namespace
+
+std::string IsoDateText(Date value) {
+  char text[32];
+  const YearMonthDay day = CalendarDay(value);
+  std::snprintf(text, sizeof text, "%04d-%02d-%02d", day.year, day.month, day.day);
+  std::string result = text;
+  if (HasTimeOfDay(value)) {
+    std::snprintf(text, sizeof text, " %02d:%02d:%02d", Hour(value), Minute(value), Second(value));
+    result += text;
+  }
+  return result;
+}
+
+std::optional<Date> ParseIsoDate(std::string_view text) {
+  // A view's rows come day by day, so most dates read are the one read before: the last text
+  // this thread read is kept with its date.
+  thread_local std::string last_text;
+  thread_local std::optional<Date> last_date;
+  if (text == last_text) return last_date;
+  last_date = ReadIsoDate(text);
+  last_text.assign(text);
+  return last_date;
 }
 
 std::optional<Date> ParseStatementDate(std::string_view text) {
