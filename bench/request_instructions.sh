@@ -13,7 +13,7 @@
 # with curl, one request after another, and has callgrind write what the process ran since.
 # Prints each view's instructions per request, in every thread of the server (the event loop's
 # reading and writing included; the kernel's work is not counted). The server is started here
-# and stopped at the end; nothing else is contacted. A run takes about two minutes.
+# and stopped at the end; nothing else is contacted. A run takes well under a minute.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 build=${1:-build}
