@@ -109,16 +109,7 @@ start_server() {
   server_port=$port
 }
 
-# The href of the link titled $2 in the page $1.
-link_titled() {
-  python3 - "$1" "$2" <<'EOF'
-import re, sys
-page = open(sys.argv[1], encoding="utf-8", errors="replace").read()
-m = re.search(r'title="' + re.escape(sys.argv[2]) + r'" href=([^ >]+)', page) or \
-    re.search(r'href=([^ >]+)[^<]*?title="' + re.escape(sys.argv[2]) + '"', page)
-print(m.group(1) if m else "")
-EOF
-}
+source bench/page_links.sh
 
 # "req/s p50 p99 requests" from wrk's --latency output in $1 (latencies in ms).
 wrk_figures() {

@@ -49,16 +49,7 @@ for _ in $(seq 600); do
 done
 [[ -n $port ]] || { cat "$work/server.log" >&2; exit 1; }
 
-# The href of the link titled $2 in the page $1.
-link_titled() {
-  python3 - "$1" "$2" <<'EOF'
-import re, sys
-page = open(sys.argv[1], encoding="utf-8", errors="replace").read()
-m = re.search(r'title="' + re.escape(sys.argv[2]) + r'" href=([^ >]+)', page) or \
-    re.search(r'href=([^ >]+)[^<]*?title="' + re.escape(sys.argv[2]) + '"', page)
-print(m.group(1) if m else "")
-EOF
-}
+source bench/page_links.sh
 
 curl -s -o "$work/month.html" --data "username=boss&password=pw&login=y" "http://127.0.0.1:$port/"
 month=$(link_titled "$work/month.html" "Display MonthView")
