@@ -213,17 +213,6 @@ std::optional<std::vector<RowOrderTerm>> OrderOfTheRows(const Tokens& tokens,
   return order;
 }
 
-// "a, b DESC": the terms written out again, each direction as written.
-std::string OrderText(const std::vector<RowOrderTerm>& terms) {
-  std::string order;
-  for (const RowOrderTerm& term : terms) {
-    if (!order.empty()) order += ", ";
-    order += term.name;
-    if (!term.direction.empty()) order += " " + term.direction;
-  }
-  return order;
-}
-
 }  // namespace
 
 std::optional<PerKeySelect> PerKeySelectOf(std::string_view statement, const RowsPerKey& per_key) {
@@ -240,10 +229,19 @@ std::optional<PerKeySelect> PerKeySelectOf(std::string_view statement, const Row
   select.tables = TextOf(tokens, parts->tables);
   if (parts->condition) select.condition = TextOf(tokens, *parts->condition);
   select.order = TextOf(tokens, parts->order);
-  select.order_of_rows = OrderText(*order_terms);
   select.order_terms = std::move(*order_terms);
   select.keys = std::move(*keys);
   return select;
+}
+
+std::string OrderOfRows(const PerKeySelect& select) {
+  std::string order;
+  for (const RowOrderTerm& term : select.order_terms) {
+    if (!order.empty()) order += ", ";
+    order += term.name;
+    if (!term.direction.empty()) order += " " + term.direction;
+  }
+  return order;
 }
 
 bool RowOrderTerm::Descending() const {

@@ -33,11 +33,10 @@ struct PerKeySelect {
   std::string tables;
   std::optional<std::string> condition;
   std::string order;
-  // The ORDER BY as it reads the statement's rows, for a query over those rows: each term the
-  // name the rows carry its column under, with its direction.
-  std::string order_of_rows;
-  std::vector<RowOrderTerm> order_terms;  // the same, term by term
-  std::vector<KeyColumn> keys;            // in the order of per_key.columns
+  // The ORDER BY term by term as it reads the statement's rows: each term the name the rows
+  // carry its column under, with its direction.
+  std::vector<RowOrderTerm> order_terms;
+  std::vector<KeyColumn> keys;  // in the order of per_key.columns
 };
 
 // The statement's clauses, when it has the one shape the rewrites take: a SELECT without
@@ -46,9 +45,12 @@ struct PerKeySelect {
 // (AS), and whose ORDER BY starts with exactly those columns, ascending, in the keys' order,
 // and otherwise names only columns the list holds once, each plainly with an optional
 // direction. Anything else gives nullopt, and the statement runs as written.
+std::optional<PerKeySelect> PerKeySelectOf(std::string_view statement, const RowsPerKey& per_key);
+
+// The ORDER BY for a query over the statement's rows ("a, b DESC"): order_terms written out.
+std::string OrderOfRows(const PerKeySelect& select);
+
 // "SELECT list FROM tables [WHERE condition]": the statement's rows in no particular order.
 std::string UnorderedText(const PerKeySelect& select);
-
-std::optional<PerKeySelect> PerKeySelectOf(std::string_view statement, const RowsPerKey& per_key);
 
 }  // namespace tidewell::ado

@@ -31,7 +31,7 @@ std::optional<std::string> KeepPerKeyForPostgres(std::string_view translated,
          no_null_key + ") AS tidewell_keys CROSS JOIN LATERAL (SELECT " + list + " FROM " + tables +
          where + key_matches + " ORDER BY " + select->order + " LIMIT " + limit +
          ") AS tidewell_kept UNION ALL SELECT " + list + " FROM " + tables + where + "(" +
-         a_null_key + ") ORDER BY " + select->order_of_rows;
+         a_null_key + ") ORDER BY " + OrderOfRows(*select);
 }
 
 bool PerKeyReadings::Rewrite(const std::string& translated) {

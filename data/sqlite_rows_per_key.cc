@@ -65,7 +65,7 @@ std::optional<std::string> KeepPerKeyForSqlite(std::string_view translated,
                     " ORDER BY " + select->order + " LIMIT " + limit + ")";
   }
   return "SELECT " + select->list + from + other_keys + crowded_arms + " ORDER BY " +
-         select->order_of_rows;
+         OrderOfRows(*select);
 }
 
 const std::vector<CrowdedKey>* CrowdedKeyReadings::ForRun(std::string_view statement,
