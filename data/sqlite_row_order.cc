@@ -180,12 +180,12 @@ std::string_view RowsToSort::KeepBytes(std::string_view bytes) {
   return {kept, bytes.size()};
 }
 
-std::vector<Variant>& RowsToSort::Add(const std::vector<StoredValue>& columns) {
+void RowsToSort::Add(const std::vector<StoredValue>& columns, std::vector<Variant> values) {
   for (const SortColumn& term : order_) {
     const StoredValue& value = columns[static_cast<size_t>(term.column)];
     keys_.push_back({value.type, value.integer, value.real, KeepBytes(value.bytes)});
   }
-  return rows_.emplace_back();
+  rows_.push_back(std::move(values));
 }
 
 std::vector<size_t> RowsToSort::Sorted() {

@@ -57,9 +57,9 @@ class RowsToSort {
  public:
   explicit RowsToSort(const std::vector<SortColumn>& order);
 
-  // Adds a row whose columns, every one of the statement's, stand as `columns`; its values go
-  // where the answer refers.
-  std::vector<Variant>& Add(const std::vector<StoredValue>& columns);
+  // Adds a row: `values` as the answer gives them, `columns` every one of the statement's
+  // columns as stored, of which the sort columns are kept.
+  void Add(const std::vector<StoredValue>& columns, std::vector<Variant> values);
   // After the last row: the rows' positions, first to last in the order; rows level in every
   // term keep the order they came in.
   std::vector<size_t> Sorted();

@@ -487,8 +487,8 @@ class SqliteSession : public Session {
     while ((!row_limit || static_cast<long>(rows.values.size()) < *row_limit) &&
            (code = sqlite3_step(stmt)) == SQLITE_ROW) {
       if (to_sort) {
-        std::vector<Variant> values = ReadRow(stmt, rows.kinds, stored);
-        to_sort->Add(stored) = std::move(values);
+        std::vector<Variant> values = ReadRow(stmt, rows.kinds, stored);  // fills `stored`
+        to_sort->Add(stored, std::move(values));
         continue;
       }
       if (runs && !KeepRow(*runs, reading, key, [&](size_t k) {

@@ -118,7 +118,7 @@ TEST(RowsToSort, PutsRowsInOrderHoweverTheyCome) {
       }
       RowsToSort to_sort(order);
       for (size_t i = 0; i < rows.size(); ++i)
-        to_sort.Add(rows[i]).emplace_back(static_cast<long>(i));
+        to_sort.Add(rows[i], {Variant(static_cast<long>(i))});
       std::vector<size_t> expected(rows.size());
       std::iota(expected.begin(), expected.end(), 0);
       std::stable_sort(expected.begin(), expected.end(),
