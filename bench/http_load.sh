@@ -27,6 +27,7 @@
 #   TIDEWELL_HTTP_LOAD_ENGINES=PostgreSQL TIDEWELL_HTTP_LOAD_ONLY=item-add bench/http_load.sh
 set -euo pipefail
 cd "$(dirname "$0")/.."
+source bench/served_site.sh
 build=${1:-build}
 seconds=${2:-10}
 shift $(($# > 2 ? 2 : $#))
@@ -99,17 +100,8 @@ start_server() {
     --listen 127.0.0.1:0 >/dev/null 2>"$work/$name.log" &
   pids+=($!)
   server_pid=$!
-  local port=
-  for _ in $(seq 200); do
-    port=$(sed -n 's|.*serving http://127.0.0.1:\([0-9]*\)/.*|\1|p' "$work/$name.log")
-    [[ -n $port ]] && break
-    sleep 0.05
-  done
-  [[ -n $port ]] || { cat "$work/$name.log" >&2; exit 1; }
-  server_port=$port
+  server_port=$(served_port "$work/$name.log" 10)
 }
-
-source bench/page_links.sh
 
 # "req/s p50 p99 requests" from wrk's --latency output in $1 (latencies in ms).
 wrk_figures() {

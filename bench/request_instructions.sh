@@ -16,6 +16,7 @@
 # and stopped at the end; nothing else is contacted. A run takes well under a minute.
 set -euo pipefail
 cd "$(dirname "$0")/.."
+source bench/served_site.sh
 build=${1:-build}
 requests=${2:-20}
 
@@ -41,15 +42,7 @@ TIDEWELL_NOW="2026-11-21 09:30:00" valgrind --tool=callgrind --quiet \
   --callgrind-out-file="$work/callgrind.out" "$build/tidewell" serve --config "$work/busy.conf" \
   --listen 127.0.0.1:0 >/dev/null 2>"$work/server.log" &
 server_pid=$!
-port=
-for _ in $(seq 600); do
-  port=$(sed -n 's|.*serving http://127.0.0.1:\([0-9]*\)/.*|\1|p' "$work/server.log")
-  [[ -n $port ]] && break
-  sleep 0.1
-done
-[[ -n $port ]] || { cat "$work/server.log" >&2; exit 1; }
-
-source bench/page_links.sh
+port=$(served_port "$work/server.log" 60)
 
 curl -s -o "$work/month.html" --data "username=boss&password=pw&login=y" "http://127.0.0.1:$port/"
 month=$(link_titled "$work/month.html" "Display MonthView")

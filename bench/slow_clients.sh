@@ -9,6 +9,7 @@
 # database and stops it at the end; nothing else is contacted.
 set -euo pipefail
 cd "$(dirname "$0")/.."
+source bench/served_site.sh
 build=${1:-build}
 idle=${2:-500}
 tricklers=${3:-500}
@@ -27,13 +28,7 @@ printf 'Visible = True\nImagePath = images/\nConnectionString = Provider=SQLite;
   "$folder/calendar.db" >"$folder/site.conf"
 "$build/tidewell" serve --config "$folder/site.conf" --listen 127.0.0.1:0 2>"$folder/log" &
 server=$!
-port=
-for _ in $(seq 100); do
-  port=$(sed -n 's|.*serving http://127.0.0.1:\([0-9]*\)/.*|\1|p' "$folder/log")
-  [[ -n $port ]] && break
-  sleep 0.1
-done
-[[ -n $port ]] || { cat "$folder/log"; exit 1; }
+port=$(served_port "$folder/log" 10)
 
 for path in / /tidewell.css; do
   echo "== GET $path, no slow clients"
